@@ -1,0 +1,28 @@
+#include "files/filehandle.h"
+
+#include "handles/addresses.h"
+
+namespace Korvex {
+
+const QString fileTag = QStringLiteral("QFile");
+
+QFile* fileBehind(HANDLE handle) {
+    if (!HandleAddresses::mayBeObject(handle))
+        return nullptr;
+    auto* object = static_cast<QObject*>(handle);
+    return object->objectName() == fileTag ? static_cast<QFile*>(object) : nullptr;
+}
+
+BOOL closeFile(HANDLE handle) {
+    auto* file = static_cast<QFile*>(handle);
+    // A file object that the client made goes back to where the client got it; only here can its
+    // address be remembered as closed.
+    const bool clients = HandleAddresses::useOf(handle) == HandleAddresses::Use::Unknown;
+    file->close();
+    delete file;
+    if (clients)
+        HandleAddresses::rememberClosed(handle);
+    return TRUE;
+}
+
+} // namespace Korvex

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <KxQts/winapi/types.h>
+
+#include <QFile>
+#include <QString>
+
+namespace Korvex {
+
+/// The tag of file handles, "QFile".
+extern const QString fileTag;
+
+/// The file object behind a handle; null when the handle is anything else. The object need not be
+/// open.
+[[nodiscard]] QFile* fileBehind(HANDLE handle);
+
+/// Closes a file handle and frees its file object. \return `TRUE`
+BOOL closeFile(HANDLE handle);
+
+} // namespace Korvex

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "platform/lock.h"
+
+#include <KxQts/handles/registry.h>
+#include <KxQts/winapi/types.h>
+
+#include <new>
+#include <utility>
+
+/// What every handle class does alike: making an object, looking a handle up, giving one up.
+namespace Korvex {
+
+/// Null when there is no memory; nothing is left behind then.
+template <class T, class... Arguments>
+[[nodiscard]] T* makeHandle(Arguments&&... arguments) {
+    try {
+        return new (std::nothrow) T(std::forward<Arguments>(arguments)...);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+/// Whether a pointer is a live object of a class. The caller holds the lock of the class.
+template <class T>
+[[nodiscard]] bool isLive(const HandleRegistry<T>& registry, const T* handle) {
+    return handle && handle != INVALID_HANDLE_VALUE && registry.contains(handle);
+}
+
+/// Gives up one reference. The object goes with the last one, unless it is \a stillNeeded (a thread
+/// that runs is freed when it ends). This is the one place that frees handle objects, and it does
+/// so under the lock of their class. \return `TRUE` when there was a reference to give up, `FALSE`
+/// for what is no live object.
+template <class T, class Needed>
+BOOL dispose(HandleRegistry<T>& registry, Lock& lock, T* handle, Needed stillNeeded) {
+    const LockGuard guard(lock);
+    if (!isLive(registry, handle))
+        return FALSE;
+    const int left = --handle->refCount;
+    if (left < 1 && !stillNeeded(*handle)) {
+        registry.remove(handle);
+        delete handle;
+    }
+    return left >= 0 ? TRUE : FALSE;
+}
+
+template <class T>
+BOOL dispose(HandleRegistry<T>& registry, Lock& lock, T* handle) {
+    return dispose(registry, lock, handle, [](const T&) { return false; });
+}
+
+} // namespace Korvex

@@ -1,0 +1,9 @@
+/// \file
+/// The whole interface, for C++ with Qt.
+#pragma once
+
+#include <KxQts/files/file.h>
+#include <KxQts/handles/event.h>
+#include <KxQts/windows.h>
+
+#include <QMessageBox>

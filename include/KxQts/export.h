@@ -1,0 +1,13 @@
+/// \file
+/// What every exported declaration is marked with.
+#pragma once
+
+/// Makes a function, class or object visible to clients of the library.
+#define KXQTS_EXPORT __attribute__((visibility("default")))
+
+/// C linkage for functions that programs in C and in C++ call.
+#ifdef __cplusplus
+#define KXQTS_C_API extern "C" KXQTS_EXPORT
+#else
+#define KXQTS_C_API extern KXQTS_EXPORT
+#endif

@@ -1,0 +1,11 @@
+/// \file
+/// Every type, constant and function of the Windows face, for C99 and C++, without Qt.
+///
+/// Functions keep their decorated names (`CreateFileA`, `CreateFileW`). The plain ones
+/// (`CreateFile`) are macros, which only the headers in `KxQts/windows/` define: they are what
+/// `#include <windows.h>` finds in a source that was written for Windows.
+#pragma once
+
+#include <KxQts/winapi/files.h>
+#include <KxQts/winapi/handles.h>
+#include <KxQts/winapi/types.h>
