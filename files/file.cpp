@@ -1,16 +1,18 @@
 #include <KxQts/files/file.h>
 
 #include "files/filehandle.h"
+#include "files/handlefile.h"
 #include "handles/addresses.h"
 #include "handles/disposal.h"
 #include "platform/filesharing.h"
 
 #include <KxQts/errors.h>
-#include <KxQts/handles/storage.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
 #include <unistd.h>
 
 namespace Error = Korvex::Error;
@@ -22,32 +24,50 @@ namespace {
 constexpr int sharedLockBit = 0x40;
 constexpr int deleteOnCloseBit = 0x80;
 
-/// A file object at an address of the library's own.
-class OwnFile final : public QFile, public Korvex::HandleStorage {
-public:
-    using QFile::QFile;
-};
+/// What has to be known of a file before it is opened.
+enum class Must { NotExist, Exist, BeCreated };
 
 struct Opening {
-    int flags = 0;
-    int error = 0;
+    int flags;
+    Must must;
 };
 
-Opening openingFor(const QFile& file, unsigned int disposition) {
+std::optional<Opening> openingFor(unsigned int disposition) {
     switch (disposition) {
     case CREATE_NEW:
-        // Never creates: callers rely on a missing file being an error here too.
-        return {0, file.exists() ? Error::Exists : 0};
+        return Opening{0, Must::NotExist};
     case CREATE_ALWAYS: // keeps the contents of an existing file
     case OPEN_ALWAYS:
-        return {O_CREAT, 0};
+        return Opening{O_CREAT, Must::BeCreated};
     case OPEN_EXISTING:
-        return {0, file.exists() ? 0 : Error::NotFound};
+        return Opening{0, Must::Exist};
     case TRUNCATE_EXISTING:
-        return {O_TRUNC, file.exists() ? 0 : Error::NotFound};
+        return Opening{O_TRUNC, Must::Exist};
     default:
-        return {0, Error::InvalidArgument};
+        return std::nullopt;
     }
+}
+
+/// Whether opening a file by its Latin-1 name also answers whether the file object's own name
+/// exists: both are the same bytes, and it is no name that Qt keeps for resources.
+bool opensByTheNameItHas(const QString& name) {
+    return !name.startsWith(u':') &&
+           std::all_of(name.begin(), name.end(), [](QChar c) { return c.unicode() < 0x80; });
+}
+
+/// \return 0, or the error that keeps a file from being opened.
+int errorBeforeOpening(const QFile& file, Must must) {
+    if (must == Must::NotExist)
+        return file.exists() ? Error::Exists : Error::None;
+    if (must == Must::Exist && !opensByTheNameItHas(file.fileName()))
+        return file.exists() ? Error::None : Error::NotFound;
+    return Error::None;
+}
+
+/// \return The error of a failed opening: a file that has to exist and does not is always "not
+/// found".
+int errorOfOpening(const QFile& file, Must must, int error) {
+    return must == Must::Exist && !file.exists() ? Error::NotFound : error;
 }
 
 int accessFlags(unsigned int access) {
@@ -90,15 +110,17 @@ int adopt(QFile& file, int descriptor, int flags, int carriedBits) {
 /// \return 0, or what `errno` is to say.
 int openFile(QFile& file, unsigned int access, unsigned int share, unsigned int disposition,
              unsigned int attributes) {
-    const Opening opening = openingFor(file, disposition);
-    if (opening.error != 0)
-        return opening.error;
-    const int flags = opening.flags | accessFlags(access);
+    const std::optional<Opening> opening = openingFor(disposition);
+    if (!opening)
+        return Error::InvalidArgument;
+    if (const int error = errorBeforeOpening(file, opening->must))
+        return error;
+    const int flags = opening->flags | accessFlags(access);
     const bool shared = (share & (FILE_SHARE_READ | FILE_SHARE_WRITE)) != 0;
     const int descriptor =
         Korvex::openShared(file.fileName().toLatin1().constData(), flags, shared);
     if (descriptor < 0)
-        return errno;
+        return errorOfOpening(file, opening->must, errno);
     const int carriedBits = (shared ? sharedLockBit : 0) |
                             ((attributes & FILE_FLAG_DELETE_ON_CLOSE) != 0 ? deleteOnCloseBit : 0);
     return adopt(file, descriptor, flags, carriedBits);
@@ -136,8 +158,8 @@ QFile* createFile(QFile* file, unsigned int access, unsigned int share, _SECURIT
 QFile* createFile(const QString& path, unsigned int access, unsigned int share,
                   _SECURITY_ATTRIBUTES* security, unsigned int disposition, unsigned int flags,
                   void* templateFile) {
-    return createFile(Korvex::makeHandle<OwnFile>(path), access, share, security, disposition,
-                      flags, templateFile);
+    return createFile(Korvex::makeHandle<Korvex::HandleFile>(path), access, share, security,
+                      disposition, flags, templateFile);
 }
 
 bool setFilePointer(void* handle, long long distance, long long* newPosition, unsigned int method) {

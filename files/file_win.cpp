@@ -61,8 +61,7 @@ HANDLE CreateFileW(LPCWSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
 BOOL ReadFile(HANDLE hFile, LPVOID lpBuffer, DWORD nNumberOfBytesToRead,
               LPDWORD lpNumberOfBytesRead, LPOVERLAPPED) {
     return transfer(hFile, lpBuffer, nNumberOfBytesToRead, lpNumberOfBytesRead, [&](QFile& file) {
-        return file.isReadable() ? file.read(static_cast<char*>(lpBuffer), nNumberOfBytesToRead)
-                                 : -1;
+        return Korvex::readFrom(file, static_cast<char*>(lpBuffer), nNumberOfBytesToRead);
     });
 }
 

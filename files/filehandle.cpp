@@ -1,5 +1,6 @@
 #include "files/filehandle.h"
 
+#include "files/handlefile.h"
 #include "handles/addresses.h"
 
 namespace Korvex {
@@ -11,6 +12,14 @@ QFile* fileBehind(HANDLE handle) {
         return nullptr;
     auto* object = static_cast<QObject*>(handle);
     return object->objectName() == fileTag ? static_cast<QFile*>(object) : nullptr;
+}
+
+qint64 readFrom(QFile& file, char* buffer, qint64 count) {
+    if (!file.isReadable()) // Qt would print a warning
+        return -1;
+    if (auto* own = dynamic_cast<HandleFile*>(&file))
+        return own->readHere(buffer, count);
+    return file.read(buffer, count);
 }
 
 BOOL closeFile(HANDLE handle) {

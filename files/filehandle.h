@@ -14,6 +14,10 @@ extern const QString fileTag;
 /// open.
 [[nodiscard]] QFile* fileBehind(HANDLE handle);
 
+/// Reads at a file object's position. \return The count of bytes, or −1, also for one that is not
+/// open for reading.
+[[nodiscard]] qint64 readFrom(QFile& file, char* buffer, qint64 count);
+
 /// Closes a file handle and frees its file object. \return `TRUE`
 BOOL closeFile(HANDLE handle);
 
