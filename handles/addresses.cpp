@@ -125,8 +125,9 @@ void giveBack(void* address) noexcept {
     queueFree(address);
 }
 
-void setUse(void* address, Use use) noexcept {
-    useAt(address)->store(use, std::memory_order_release);
+void setUse(void* address, Use newUse) noexcept {
+    if (std::atomic<Use>* use = useAt(address))
+        use->store(newUse, std::memory_order_release);
 }
 
 Use useOf(const void* address) noexcept {
@@ -161,7 +162,7 @@ bool mayBeObject(const void* handle) noexcept {
         return false;
     const Use use = useOf(handle);
     if (use != Use::Unknown)
-        return use == Use::Object;
+        return use != Use::Free && use != Use::Record && use != Use::Ended;
     return !isPredefinedRoot(reinterpret_cast<std::uintptr_t>(handle)) &&
            !wasClosedElsewhere(handle);
 }

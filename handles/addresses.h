@@ -19,9 +19,13 @@ inline constexpr std::size_t slotSize = 128;
 enum class Use {
     Unknown, ///< None of the library's addresses: an object that a client made
     Free,    ///< Nothing, or nothing any more
-    Object,  ///< A tagged object
-    Record,  ///< Something that is handed out as a handle but is no tagged object
-    Ended,   ///< Nothing any more, kept until the client closes the handle
+    Object,  ///< A tagged object that no registry knows (yet)
+    Event, ///< A tagged object that the registry of its class knows or has known; so the next ones
+    Mutex,
+    Thread,
+    Process,
+    Record, ///< Something that is handed out as a handle but is no tagged object
+    Ended,  ///< Nothing any more, kept until the client closes the handle
 };
 
 /// Room for an object of at most `slotSize` bytes; null when there is no memory.
@@ -30,7 +34,7 @@ enum class Use {
 /// Frees an address that \ref take gave.
 void giveBack(void* address) noexcept;
 
-/// Changes what an address that \ref take gave is used for.
+/// Changes what an address that \ref take gave is used for. Other addresses stay unknown.
 void setUse(void* address, Use use) noexcept;
 
 /// What an address is used for. Reads nothing at the address.

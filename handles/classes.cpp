@@ -1,44 +1,71 @@
 #include "handles/classes.h"
 
 #include "files/filehandle.h"
-#include "handles/addresses.h"
+#include "handles/disposal.h"
 
 #include <KxQts/handles/event.h>
 
+#include <algorithm>
 #include <array>
 
 namespace Korvex {
 
-namespace {
+using HandleAddresses::Use;
 
-BOOL closeEvent(HANDLE handle) {
-    return WEvent::dispose(static_cast<WEvent*>(handle));
-}
+/// The handle classes, in the order in which a handle's tag is compared with theirs.
+struct HandleClassTable {
+    template <class T>
+    static bool isLive(HANDLE handle) KXQTS_UNCHECKED_LOCKING {
+        return Korvex::isLive(T::sObjectList, static_cast<const T*>(handle));
+    }
 
-DWORD waitForEvent(HANDLE handle, DWORD ms) {
-    return WEvent::wait(static_cast<WEvent*>(handle), ms);
-}
+    template <class T>
+    static BOOL close(HANDLE handle) {
+        return T::dispose(static_cast<T*>(handle));
+    }
 
-const std::array table{
-    HandleClass{WEvent::sObjName, closeEvent, waitForEvent},
-    HandleClass{fileTag, closeFile, nullptr},
+    static DWORD waitForEvent(HANDLE handle, DWORD ms, HeldLock& held) {
+        auto* event = static_cast<WEvent*>(handle);
+        return held ? WEvent::waitForLive(*event, ms, held) : WEvent::wait(event, ms);
+    }
+
+    static const HandleClass* withTag(const QString& tag);
+    static const HandleClass* withUse(Use use);
+
+    static const std::array<HandleClass, 2> rows;
 };
 
-} // namespace
+const std::array<HandleClass, 2> HandleClassTable::rows{{
+    {WEvent::sObjName, Use::Event, &WEvent::sCritSect, isLive<WEvent>, close<WEvent>, waitForEvent},
+    {fileTag, Use::Object, nullptr, nullptr, closeFile, nullptr},
+}};
 
-std::span<const HandleClass> handleClasses() {
-    return table;
+const HandleClass* HandleClassTable::withTag(const QString& tag) {
+    const auto* row = std::find_if(rows.begin(), rows.end(),
+                                   [&](const HandleClass& known) { return known.tag == tag; });
+    return row == rows.end() ? nullptr : row;
 }
 
-const HandleClass* classOf(HANDLE handle) {
-    if (!HandleAddresses::mayBeObject(handle))
-        return nullptr;
-    const QString tag = static_cast<const QObject*>(handle)->objectName();
-    for (const HandleClass& candidate : table) {
-        if (candidate.tag == tag)
-            return &candidate;
+const HandleClass* HandleClassTable::withUse(Use use) {
+    const auto* row = std::find_if(rows.begin(), rows.end(), [&](const HandleClass& known) {
+        return known.use == use && known.lock;
+    });
+    return row == rows.end() ? nullptr : row;
+}
+
+TaggedHandle::TaggedHandle(HANDLE toTell) KXQTS_UNCHECKED_LOCKING {
+    if (!HandleAddresses::mayBeObject(toTell))
+        return;
+    const HandleClass* madeAs = HandleClassTable::withUse(HandleAddresses::useOf(toTell));
+    if (madeAs) {
+        held.emplace(*madeAs->lock);
+        if (!madeAs->isLive(toTell))
+            return;
     }
-    return nullptr;
+    const QString tag = static_cast<const QObject*>(toTell)->objectName();
+    found = madeAs && madeAs->tag == tag ? madeAs : HandleClassTable::withTag(tag);
+    if (found != madeAs)
+        held.reset();
 }
 
 } // namespace Korvex

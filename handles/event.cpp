@@ -1,5 +1,6 @@
 #include <KxQts/handles/event.h>
 
+#include "handles/classes.h"
 #include "handles/disposal.h"
 #include "platform/autoresetevent.h"
 
@@ -41,6 +42,7 @@ WEvent::WEvent(bool initialState) : event(std::make_shared<AutoResetEvent>(initi
     setObjectName(sObjName);
     const LockGuard guard(sCritSect);
     sObjectList.append(this);
+    HandleAddresses::setUse(this, HandleAddresses::Use::Event);
 }
 
 WEvent::~WEvent() {
@@ -67,16 +69,18 @@ BOOL WEvent::set(WEvent* handle) {
     return isLive(sObjectList, handle) && handle->set() ? TRUE : FALSE;
 }
 
-DWORD WEvent::wait(WEvent* handle, DWORD ms) {
-    std::shared_ptr<AutoResetEvent> waitedFor;
-    {
-        const LockGuard guard(sCritSect);
-        if (!isLive(sObjectList, handle) || !isWaitTime(ms))
-            return WAIT_FAILED;
-        if (handle->event->tryWait())
-            return WAIT_OBJECT_0;
-        waitedFor = handle->event;
-    }
+DWORD WEvent::wait(WEvent* handle, DWORD ms) KXQTS_UNCHECKED_LOCKING {
+    HeldLock held(std::in_place, sCritSect);
+    return isLive(sObjectList, handle) ? waitForLive(*handle, ms, held) : WAIT_FAILED;
+}
+
+DWORD WEvent::waitForLive(WEvent& live, DWORD ms, std::optional<LockGuard>& held) {
+    if (!isWaitTime(ms))
+        return WAIT_FAILED;
+    if (live.event->tryWait())
+        return WAIT_OBJECT_0;
+    const std::shared_ptr<AutoResetEvent> waitedFor = live.event;
+    held.reset();
     return waitFor(*waitedFor, ms);
 }
 

@@ -6,15 +6,17 @@
 #include <cerrno>
 
 BOOL CloseHandle(HANDLE h) {
-    const Korvex::HandleClass* known = Korvex::classOf(h);
-    if (!known || !known->close) {
+    const Korvex::TaggedHandle handle(h);
+    if (!handle.handleClass() || !handle.handleClass()->close) {
         errno = Korvex::Error::InvalidArgument;
         return FALSE;
     }
-    return known->close(h);
+    return handle.handleClass()->close(h);
 }
 
 DWORD WaitForSingleObject(HANDLE h, DWORD milliseconds) {
-    const Korvex::HandleClass* known = Korvex::classOf(h);
-    return known && known->wait ? known->wait(h, milliseconds) : WAIT_FAILED;
+    Korvex::TaggedHandle handle(h);
+    if (!handle.handleClass() || !handle.handleClass()->wait)
+        return WAIT_FAILED;
+    return handle.handleClass()->wait(h, milliseconds, handle.lock());
 }

@@ -13,10 +13,13 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 namespace Korvex {
 
 class AutoResetEvent;
+class KXQTS_SCOPED_LOCKABLE LockGuard;
+struct HandleClassTable;
 class KXQTS_LOCKABLE Lock;
 
 /// An event: signalled or not, resetting itself when a waiter takes the signal.
@@ -58,6 +61,11 @@ public:
     std::atomic<int> refCount{1};
 
 private:
+    friend struct HandleClassTable;
+
+    // Waits for an event whose class lock is held, and leaves the lock before the thread blocks.
+    static DWORD waitForLive(WEvent& live, DWORD ms, std::optional<LockGuard>& held);
+
     // Shared with the threads that wait: it outlives the handle until they have left.
     std::shared_ptr<AutoResetEvent> event;
 };
