@@ -10,7 +10,9 @@ target_include_directories(KxQts PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE
                                         $<INSTALL_INTERFACE:include>)
 kxqts_use_widget_headers(KxQts)
 # The library's calls of its own exported names must not end in a client's function of that name.
-target_link_options(KxQts PRIVATE -Wl,-Bsymbolic-functions -Wl,--as-needed
-                    $<$<NOT:$<BOOL:${KXQTS_SANITIZE}>>:-Wl,--no-undefined>)
+target_link_options(KxQts PRIVATE -Wl,-Bsymbolic-functions -Wl,--as-needed)
+if(NOT KXQTS_SANITIZE)
+    target_link_options(KxQts PRIVATE -Wl,--no-undefined)
+endif()
 set_target_properties(KxQts PROPERTIES OUTPUT_NAME KxQts LIBRARY_OUTPUT_DIRECTORY
                                                          ${CMAKE_CURRENT_BINARY_DIR}/lib)

@@ -71,6 +71,7 @@ int main(int argc, char** argv) {
     std::filesystem::create_directory(scratch.path / "home");
     std::filesystem::create_directory(scratch.path / "root");
     std::filesystem::current_path(scratch.path);
+    std::thread([] {}).join(); // a sanitizer starts a thread of its own beside the first one
     testing::UnitTest::GetInstance()->listeners().Append(new LeakCheck);
     const int result = RUN_ALL_TESTS();
     std::filesystem::current_path("/");
