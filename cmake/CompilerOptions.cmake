@@ -18,7 +18,6 @@ target_compile_options(
     kxqts_options
     INTERFACE -Wall -Wextra -Wpedantic -Wshadow
               $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
-              $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wthread-safety>
               $<$<BOOL:${KXQTS_WERROR}>:-Werror>
               -fvisibility=hidden
               $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>)

@@ -8,7 +8,9 @@ namespace Korvex {
 const QString fileTag = QStringLiteral("QFile");
 
 QFile* fileBehind(HANDLE handle) {
-    if (!HandleAddresses::mayBeObject(handle))
+    using HandleAddresses::Use;
+    const Use use = HandleAddresses::useOf(handle);
+    if ((use != Use::Object && use != Use::Unknown) || !HandleAddresses::mayBeObject(handle))
         return nullptr;
     auto* object = static_cast<QObject*>(handle);
     return object->objectName() == fileTag ? static_cast<QFile*>(object) : nullptr;
@@ -24,13 +26,12 @@ qint64 readFrom(QFile& file, char* buffer, qint64 count) {
 
 BOOL closeFile(HANDLE handle) {
     auto* file = static_cast<QFile*>(handle);
-    // A file object that the client made goes back to where the client got it; only here can its
-    // address be remembered as closed.
-    const bool clients = HandleAddresses::useOf(handle) == HandleAddresses::Use::Unknown;
     file->close();
-    delete file;
-    if (clients)
+    // A file object that the client made goes back to where the client got it: only here can its
+    // address be remembered as closed.
+    if (HandleAddresses::useOf(handle) == HandleAddresses::Use::Unknown)
         HandleAddresses::rememberClosed(handle);
+    delete file;
     return TRUE;
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "platform/lock.h"
-
 #include <KxQts/handles/registry.h>
 #include <KxQts/winapi/types.h>
 
@@ -32,8 +30,7 @@ template <class T>
 /// so under the lock of their class. \return `TRUE` when there was a reference to give up, `FALSE`
 /// for what is no live object.
 template <class T, class Needed>
-BOOL dispose(HandleRegistry<T>& registry, Lock& lock, T* handle, Needed stillNeeded) {
-    const LockGuard guard(lock);
+BOOL dispose(HandleRegistry<T>& registry, T* handle, Needed stillNeeded) {
     if (!isLive(registry, handle))
         return FALSE;
     const int left = --handle->refCount;
@@ -45,8 +42,8 @@ BOOL dispose(HandleRegistry<T>& registry, Lock& lock, T* handle, Needed stillNee
 }
 
 template <class T>
-BOOL dispose(HandleRegistry<T>& registry, Lock& lock, T* handle) {
-    return dispose(registry, lock, handle, [](const T&) { return false; });
+BOOL dispose(HandleRegistry<T>& registry, T* handle) {
+    return dispose(registry, handle, [](const T&) { return false; });
 }
 
 } // namespace Korvex

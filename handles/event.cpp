@@ -85,7 +85,8 @@ DWORD WEvent::waitForLive(WEvent& live, DWORD ms, std::optional<LockGuard>& held
 }
 
 BOOL WEvent::dispose(WEvent* handle) {
-    return Korvex::dispose(sObjectList, sCritSect, handle);
+    const LockGuard guard(sCritSect);
+    return Korvex::dispose(sObjectList, handle);
 }
 
 } // namespace Korvex
