@@ -6,10 +6,13 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_C_STANDARD 99)
 set(CMAKE_C_STANDARD_REQUIRED ON)
 
-find_program(CCACHE_PROGRAM ccache)
-if(CCACHE_PROGRAM AND PROJECT_IS_TOP_LEVEL)
-    set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+if(PROJECT_IS_TOP_LEVEL)
+    find_program(KXQTS_CCACHE ccache)
+    mark_as_advanced(KXQTS_CCACHE)
+    if(KXQTS_CCACHE)
+        set(CMAKE_C_COMPILER_LAUNCHER ${KXQTS_CCACHE})
+        set(CMAKE_CXX_COMPILER_LAUNCHER ${KXQTS_CCACHE})
+    endif()
 endif()
 
 # g++ 12 sees overlapping copies in every "literal" + std::string (GCC bug 105329), so -Wrestrict is off.
@@ -38,8 +41,8 @@ endif()
 # module is never linked.
 function(kxqts_use_widget_headers target)
     foreach(module Qt6::Gui Qt6::Widgets)
-        target_include_directories(
-            ${target} SYSTEM
-            PUBLIC $<BUILD_INTERFACE:$<TARGET_PROPERTY:${module},INTERFACE_INCLUDE_DIRECTORIES>>)
+        get_target_property(directories ${module} INTERFACE_INCLUDE_DIRECTORIES)
+        list(TRANSFORM directories REPLACE "(.+)" "$<BUILD_INTERFACE:\\1>")
+        target_include_directories(${target} SYSTEM PUBLIC ${directories})
     endforeach()
 endfunction()
