@@ -2,7 +2,9 @@
 /// The whole interface, for C++ with Qt.
 #pragma once
 
+#include <KxQts/files/dynmodule.h>
 #include <KxQts/files/file.h>
+#include <KxQts/files/library.h>
 #include <KxQts/handles/event.h>
 #include <KxQts/windows.h>
 

@@ -18,6 +18,7 @@ inline constexpr int OutOfRange = 34;       ///< A result does not fit
 inline constexpr int TryAgain = 35;         ///< Not now; a thread could not be started
 inline constexpr int Unsupported = 50;      ///< The call is a stub
 inline constexpr int InvalidParameter = 87; ///< A bad parameter, as Windows numbers it
+inline constexpr int BufferTooSmall = 122;  ///< A text does not fit the buffer given
 inline constexpr int Internal = 1359;       ///< A conversion failed inside
 
 } // namespace Korvex::Error

@@ -8,4 +8,5 @@
 
 #include <KxQts/winapi/files.h>
 #include <KxQts/winapi/handles.h>
+#include <KxQts/winapi/modules.h>
 #include <KxQts/winapi/types.h>

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+
+namespace KxTest {
+
+/// What runs inside the initialiser and the finaliser of the libraries that a test loads.
+struct ModuleEvents {
+    std::function<void()> loading;
+    std::function<void()> unloading;
+};
+
+/// Puts a test's own in force while it lives.
+class ModuleEventsScope {
+public:
+    explicit ModuleEventsScope(ModuleEvents events);
+    ~ModuleEventsScope();
+    ModuleEventsScope(const ModuleEventsScope&) = delete;
+    ModuleEventsScope& operator=(const ModuleEventsScope&) = delete;
+
+private:
+    ModuleEvents events;
+};
+
+} // namespace KxTest
