@@ -8,17 +8,45 @@
 namespace Korvex::Error {
 
 inline constexpr int None = 0;
-inline constexpr int NotFound = 2;          ///< No such file
-inline constexpr int TransferFailed = 5;    ///< Reading or writing failed
-inline constexpr int NotEnoughMemory = 8;   ///< An event could not be made
-inline constexpr int NoMemory = 12;         ///< An object or buffer could not be made
-inline constexpr int Exists = 17;           ///< There is one of that name already
-inline constexpr int InvalidArgument = 22;  ///< A bad handle or argument
-inline constexpr int OutOfRange = 34;       ///< A result does not fit
-inline constexpr int TryAgain = 35;         ///< Not now; a thread could not be started
-inline constexpr int Unsupported = 50;      ///< The call is a stub
-inline constexpr int InvalidParameter = 87; ///< A bad parameter, as Windows numbers it
-inline constexpr int BufferTooSmall = 122;  ///< A text does not fit the buffer given
-inline constexpr int Internal = 1359;       ///< A conversion failed inside
+/// No such file
+inline constexpr int NotFound = 2;
+/// Reading or writing failed
+inline constexpr int TransferFailed = 5;
+/// An event could not be made
+inline constexpr int NotEnoughMemory = 8;
+/// An object or buffer could not be made
+inline constexpr int NoMemory = 12;
+/// A program could not be started
+inline constexpr int CannotStart = 14;
+/// There is one of that name already
+inline constexpr int Exists = 17;
+/// A bad handle or argument
+inline constexpr int InvalidArgument = 22;
+/// A result does not fit
+inline constexpr int OutOfRange = 34;
+/// Not now; a thread could not be started
+inline constexpr int TryAgain = 35;
+/// The call is a stub
+inline constexpr int Unsupported = 50;
+/// There is a connection already
+inline constexpr int Connected = 56;
+/// There is no connection
+inline constexpr int NotConnected = 57;
+/// A bad parameter, as Windows numbers it
+inline constexpr int InvalidParameter = 87;
+/// No answer in time
+inline constexpr int TimedOut = 101;
+/// A text does not fit the buffer given
+inline constexpr int BufferTooSmall = 122;
+/// A conversion failed inside
+inline constexpr int Internal = 1359;
+/// A daemon's payload cannot be allocated
+inline constexpr int NoPayloadMemory = 28680;
+/// No daemon socket, one in use, or sessions locked
+inline constexpr int SocketUnavailable = 30761;
+/// The daemon is not connected
+inline constexpr int DaemonNotConnected = 30766;
+/// A byte for the daemon could not be written
+inline constexpr int DaemonWriteFailed = 30768;
 
 } // namespace Korvex::Error
