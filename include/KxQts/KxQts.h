@@ -2,7 +2,11 @@
 /// The whole interface, for C++ with Qt.
 #pragma once
 
+#include <KxQts/files/attributes.h>
+#include <KxQts/files/copymove.h>
+#include <KxQts/files/directories.h>
 #include <KxQts/files/file.h>
+#include <KxQts/files/find.h>
 #include <KxQts/handles/event.h>
 #include <KxQts/windows.h>
 
