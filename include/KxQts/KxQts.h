@@ -5,8 +5,12 @@
 #include <KxQts/daemon/command.h>
 #include <KxQts/daemon/registry.h>
 #include <KxQts/daemon/session.h>
+#include <KxQts/files/attributes.h>
+#include <KxQts/files/copymove.h>
+#include <KxQts/files/directories.h>
 #include <KxQts/files/dynmodule.h>
 #include <KxQts/files/file.h>
+#include <KxQts/files/find.h>
 #include <KxQts/files/library.h>
 #include <KxQts/handles/event.h>
 #include <KxQts/windows.h>

@@ -7,11 +7,23 @@
 
 namespace Korvex::Error {
 
+/// A folder on the way may not be searched
+inline constexpr int StatusNoRight = -5000;
+/// A name or the path is too long
+inline constexpr int StatusNameTooLong = -1410;
+/// Something on the way is no folder
+inline constexpr int StatusNoFolder = -1407;
+/// No memory
+inline constexpr int StatusNoMemory = -108;
+/// @{
+inline constexpr int StatusReadFailed = -36;
 inline constexpr int None = 0;
 /// No such file
 inline constexpr int NotFound = 2;
 /// Reading or writing failed
 inline constexpr int TransferFailed = 5;
+/// What is no open search
+inline constexpr int InvalidHandle = 6;
 /// An event could not be made
 inline constexpr int NotEnoughMemory = 8;
 /// An object or buffer could not be made
@@ -32,12 +44,16 @@ inline constexpr int Unsupported = 50;
 inline constexpr int Connected = 56;
 /// There is no connection
 inline constexpr int NotConnected = 57;
+/// The target of a copy exists
+inline constexpr int FileExists = 80;
 /// A bad parameter, as Windows numbers it
 inline constexpr int InvalidParameter = 87;
 /// No answer in time
 inline constexpr int TimedOut = 101;
 /// A text does not fit the buffer given
 inline constexpr int BufferTooSmall = 122;
+/// A file could not be copied
+inline constexpr int CopyFailed = 1287;
 /// A conversion failed inside
 inline constexpr int Internal = 1359;
 /// A daemon's payload cannot be allocated
@@ -48,5 +64,7 @@ inline constexpr int SocketUnavailable = 30761;
 inline constexpr int DaemonNotConnected = 30766;
 /// A byte for the daemon could not be written
 inline constexpr int DaemonWriteFailed = 30768;
+/// Links lead round in a circle
+inline constexpr int StatusLinkLoop = 100062;
 
 } // namespace Korvex::Error

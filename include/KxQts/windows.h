@@ -7,6 +7,8 @@
 #pragma once
 
 #include <KxQts/winapi/files.h>
+#include <KxQts/winapi/filesystem.h>
+#include <KxQts/winapi/find.h>
 #include <KxQts/winapi/handles.h>
 #include <KxQts/winapi/modules.h>
 #include <KxQts/winapi/types.h>

@@ -1,0 +1,54 @@
+#include "files/sibling.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QUuid>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace Korvex {
+
+namespace {
+
+QString siblingOf(const QString& file) {
+    return QFileInfo(file).path() + QLatin1String("/.kxqts-") +
+           QUuid::createUuid().toString(QUuid::Id128);
+}
+
+} // namespace
+
+bool renameOver(const QString& from, const QString& to) {
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+TemporarySibling::TemporarySibling(const QString& file)
+    : name(siblingOf(file)), systemName(QFile::encodeName(name)) {}
+
+TemporarySibling::~TemporarySibling() {
+    const int error = errno;
+    std::remove(systemName.constData());
+    errno = error;
+}
+
+SetAside::SetAside(const QString& file)
+    : place(QFile::encodeName(file)),
+      refuge(QFile::encodeName(siblingOf(file))),
+      aside(std::rename(place.constData(), refuge.constData()) == 0) {}
+
+SetAside::~SetAside() {
+    const int error = errno;
+    if (aside)
+        std::rename(refuge.constData(), place.constData());
+    errno = error;
+}
+
+void SetAside::drop() {
+    const int error = errno;
+    if (aside)
+        std::remove(refuge.constData());
+    aside = false;
+    errno = error;
+}
+
+} // namespace Korvex
