@@ -293,15 +293,20 @@ TEST(WDaemonSocket, WaitsFourTimesItsTimeForTheConnection) {
 }
 
 TEST(WDaemonSocket, ABrokenConnectionIsAnErrorAndNoSignal) {
+    std::promise<void> connected;
     std::promise<void> broken;
     std::once_flag first; // the socket may connect again
+    const std::shared_future<void> mayBreak = connected.get_future().share();
     const Peer peer(0, [&](Connection& connection) {
+        mayBreak.wait();
         connection.reset();
         std::call_once(first, [&] { broken.set_value(); });
     });
     ASSERT_NE(std::signal(SIGPIPE, SIG_DFL), SIG_ERR);
     WDaemonSocket socket;
-    ASSERT_EQ(socket.init(peer.port()), 0);
+    const int initialised = socket.init(peer.port());
+    connected.set_value();
+    ASSERT_EQ(initialised, 0);
     broken.get_future().wait();
     int sent = 24;
     for (int i = 0; i < 3 && sent == 24; ++i)
