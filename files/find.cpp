@@ -8,12 +8,36 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cerrno>
 #include <new>
+#include <utility>
+#include <vector>
 
 namespace Error = Korvex::Error;
 
 namespace {
+
+struct KeyedName {
+    QString key;
+    QString name;
+};
+
+/// Sorts as a folder's listing does by default, at a fraction of its cost: in large folders most of
+/// the time of a listing goes into sorting.
+QStringList inListingOrder(const QStringList& names) {
+    std::vector<KeyedName> keyed;
+    keyed.reserve(static_cast<std::size_t>(names.size()));
+    for (const QString& name : names)
+        keyed.push_back({name.toLower(), name});
+    std::sort(keyed.begin(), keyed.end(),
+              [](const KeyedName& one, const KeyedName& other) { return one.key < other.key; });
+    QStringList sorted;
+    sorted.reserve(names.size());
+    for (KeyedName& next : keyed)
+        sorted.append(std::move(next.name));
+    return sorted;
+}
 
 /// The names are compared with the whole pattern, its folder included, so that callers who search
 /// another folder than the current one find nothing.
@@ -21,7 +45,8 @@ QStringList namesMatching(const QString& pattern) {
     // A class that is not closed matches nothing, and the listing would complain at every name.
     if (!QRegularExpression::fromWildcard(pattern).isValid())
         return {};
-    return QDir(QFileInfo(pattern).path()).entryList({pattern}, QDir::NoFilter, QDir::NoSort);
+    const QDir folder(QFileInfo(pattern).path());
+    return inListingOrder(folder.entryList({pattern}, QDir::NoFilter, QDir::Unsorted));
 }
 
 } // namespace

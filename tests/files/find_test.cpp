@@ -1,9 +1,12 @@
 #include "files/folder.h"
+#include "files/search.h"
 
 #include <KxQts/files/find.h>
 #include <KxQts/winapi/files.h>
 #include <KxQts/winapi/find.h>
 #include <KxQts/winapi/handles.h>
+
+#include <QDir>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -172,6 +175,20 @@ TEST_F(Find, NamesAreLookedForInTheFolderThatIsCurrentNow) {
     EXPECT_FALSE(FindNextFile(search, nullptr)) << "b.txt";
     EXPECT_TRUE(FindNextFile(search, nullptr)) << "c.txt";
     fs::current_path(folder);
+    EXPECT_TRUE(FindClose(search));
+}
+
+TEST_F(Find, NamesAreInTheOrderOfAFoldersListing) {
+    const std::vector<const char*> names{"b",  "A",       "c1", "C2", "a2",      "_x",
+                                         "Zz", "\u00c4x", "zy", "10", "\u00e4a", "9"};
+    for (const char* name : names)
+        makeFile(name);
+    HANDLE search = FindFirstFileA("*", nullptr);
+    ASSERT_NE(Korvex::searchBehind(search), nullptr);
+    EXPECT_EQ(Korvex::searchBehind(search)->names,
+              QDir(QStringLiteral(".")).entryList({QStringLiteral("*")}));
+    EXPECT_EQ(Korvex::searchBehind(search)->names.size(), static_cast<qsizetype>(names.size()) + 2);
+    EXPECT_EQ(Korvex::searchBehind(search)->index, 0);
     EXPECT_TRUE(FindClose(search));
 }
 
