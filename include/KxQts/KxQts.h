@@ -2,6 +2,9 @@
 /// The whole interface, for C++ with Qt.
 #pragma once
 
+#include <KxQts/daemon/command.h>
+#include <KxQts/daemon/registry.h>
+#include <KxQts/daemon/session.h>
 #include <KxQts/files/dynmodule.h>
 #include <KxQts/files/file.h>
 #include <KxQts/files/library.h>

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <csignal>
+
+namespace Korvex {
+
+/// Keeps the calling thread from being ended by `SIGPIPE` while it lives: writing to a peer that
+/// went away fails, nothing more. The thread's signal mask and pending signals are afterwards what
+/// they were.
+class BrokenPipeGuard {
+public:
+    BrokenPipeGuard();
+    ~BrokenPipeGuard();
+
+    BrokenPipeGuard(const BrokenPipeGuard&) = delete;
+    BrokenPipeGuard& operator=(const BrokenPipeGuard&) = delete;
+
+private:
+    sigset_t previous{};
+    bool wasPending = false;
+};
+
+} // namespace Korvex
