@@ -8,5 +8,6 @@
 
 #include <KxQts/winapi/files.h>
 #include <KxQts/winapi/handles.h>
+#include <KxQts/winapi/kernelcontrol.h>
 #include <KxQts/winapi/modules.h>
 #include <KxQts/winapi/types.h>
