@@ -3,6 +3,7 @@
 #pragma once
 
 #include <KxQts/daemon/command.h>
+#include <KxQts/daemon/kernelcontrol.h>
 #include <KxQts/daemon/registry.h>
 #include <KxQts/daemon/session.h>
 #include <KxQts/files/attributes.h>

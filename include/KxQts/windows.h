@@ -10,5 +10,6 @@
 #include <KxQts/winapi/filesystem.h>
 #include <KxQts/winapi/find.h>
 #include <KxQts/winapi/handles.h>
+#include <KxQts/winapi/kernelcontrol.h>
 #include <KxQts/winapi/modules.h>
 #include <KxQts/winapi/types.h>

@@ -1,9 +1,10 @@
 #include "platform/filesharing.h"
 
+#include "platform/descriptor.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
 
 namespace Korvex {
 
@@ -19,31 +20,6 @@ bool lockShared(int descriptor) {
     } while (result != 0 && errno == EINTR);
     return result == 0;
 }
-
-/// Closes a descriptor also when the thread is terminated while it waits for the lock.
-class Descriptor {
-public:
-    explicit Descriptor(int toHold) : held(toHold) {}
-    ~Descriptor() {
-        if (held < 0)
-            return;
-        const int error = errno;
-        close(held);
-        errno = error;
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    [[nodiscard]] int get() const { return held; }
-    [[nodiscard]] int release() {
-        const int released = held;
-        held = -1;
-        return released;
-    }
-
-private:
-    int held;
-};
 
 } // namespace
 
