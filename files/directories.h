@@ -1,9 +1,11 @@
 #pragma once
 
+/// The fixed directories that callers know. They are the same texts wherever the library lies, and
+/// none has a separator behind it.
 namespace Korvex {
 
-/// The directory that the library and its companions are installed in, without a separator behind
-/// it. Callers know it as the system directory. It is the same text wherever the library lies.
 inline constexpr char systemDirectory[] = "/usr/local/lib/Korvex";
+inline constexpr char windowsDirectory[] = "/Library/Preferences";
+inline constexpr char temporaryDirectory[] = "/tmp";
 
 } // namespace Korvex

@@ -5,6 +5,7 @@
 #include <KxQts/daemon/command.h>
 #include <KxQts/daemon/registry.h>
 #include <KxQts/daemon/session.h>
+#include <KxQts/files/directories.h>
 #include <KxQts/files/dynmodule.h>
 #include <KxQts/files/file.h>
 #include <KxQts/files/library.h>

@@ -6,6 +6,7 @@
 /// `#include <windows.h>` finds in a source that was written for Windows.
 #pragma once
 
+#include <KxQts/winapi/directories.h>
 #include <KxQts/winapi/files.h>
 #include <KxQts/winapi/handles.h>
 #include <KxQts/winapi/modules.h>
