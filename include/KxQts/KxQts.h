@@ -10,6 +10,8 @@
 #include <KxQts/files/file.h>
 #include <KxQts/files/library.h>
 #include <KxQts/handles/event.h>
+#include <KxQts/messages/localization.h>
+#include <KxQts/refcounter.h>
 #include <KxQts/windows.h>
 
 #include <QMessageBox>
