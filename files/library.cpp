@@ -1,7 +1,7 @@
 #include <KxQts/files/library.h>
 
 #include "files/bundle.h"
-#include "files/directories.h"
+#include "files/knowndirectories.h"
 #include "files/loadingturn.h"
 #include "handles/addresses.h"
 #include "handles/disposal.h"

@@ -12,8 +12,11 @@
 #include <KxQts/files/dynmodule.h>
 #include <KxQts/files/file.h>
 #include <KxQts/files/find.h>
+#include <KxQts/files/knowndirectories.h>
 #include <KxQts/files/library.h>
 #include <KxQts/handles/event.h>
+#include <KxQts/messages/localization.h>
+#include <KxQts/refcounter.h>
 #include <KxQts/windows.h>
 
 #include <QMessageBox>

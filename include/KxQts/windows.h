@@ -11,5 +11,6 @@
 #include <KxQts/winapi/find.h>
 #include <KxQts/winapi/handles.h>
 #include <KxQts/winapi/kernelcontrol.h>
+#include <KxQts/winapi/knowndirectories.h>
 #include <KxQts/winapi/modules.h>
 #include <KxQts/winapi/types.h>

@@ -1,6 +1,6 @@
 #include <KxQts/files/dynmodule.h>
 
-#include "files/modules/modulefolder.h"
+#include "modules/modulefolder.h"
 
 #include <gtest/gtest.h>
 

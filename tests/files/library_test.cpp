@@ -2,7 +2,8 @@
 #include <KxQts/winapi/handles.h>
 #include <KxQts/winapi/modules.h>
 
-#include "files/modules/modulefolder.h"
+#include "modules/emptyfolder.h"
+#include "modules/modulefolder.h"
 #include "platform/lock.h"
 
 #include <QString>
@@ -16,7 +17,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <sys/mount.h>
 
 using Korvex::WLibrary;
 using KxTest::isMapped;
@@ -41,25 +41,6 @@ std::size_t loadedLibraries() {
     const Korvex::LockGuard guard(WLibrary::sCritSect);
     return WLibrary::sLibList.size();
 }
-
-/// Hides a folder of the machine behind an empty one, for this process only.
-class EmptyFolderOver {
-public:
-    explicit EmptyFolderOver(const char* folder) : path(folder) {
-        mounted = mount("none", path, "tmpfs", 0, nullptr) == 0;
-    }
-    ~EmptyFolderOver() {
-        if (mounted)
-            umount(path);
-    }
-    EmptyFolderOver(const EmptyFolderOver&) = delete;
-    EmptyFolderOver& operator=(const EmptyFolderOver&) = delete;
-
-    bool mounted = false;
-
-private:
-    const char* path;
-};
 
 } // namespace
 
@@ -179,7 +160,7 @@ TEST(Library, FileWithABundlesSuffixIsALibraryAsAnyOther) {
 TEST(Library, BareNameIsJoinedToTheDefaultFolderWithoutASeparator) {
     const ModuleFolder folder;
     const std::string library = folder.add("libX.dylib", KXTEST_MODULE);
-    const EmptyFolderOver machine("/usr/local/lib");
+    const KxTest::EmptyFolderOver machine("/usr/local/lib");
     ASSERT_TRUE(machine.mounted) << std::strerror(errno);
     std::filesystem::create_directory("/usr/local/lib/Korvex");
     std::filesystem::copy_file(library, "/usr/local/lib/Korvex/libX.dylib");

@@ -4,8 +4,8 @@
 #include <KxQts/files/library.h>
 #include <KxQts/winapi/modules.h>
 
-#include "files/modules/moduleevents.h"
-#include "files/modules/modulefolder.h"
+#include "modules/moduleevents.h"
+#include "modules/modulefolder.h"
 #include "platform/lock.h"
 
 #include <gtest/gtest.h>

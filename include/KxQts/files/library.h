@@ -61,10 +61,10 @@ public:
     std::atomic<int> refCount{1};
 
 private:
-    static WLibrary* addReference(const QString& path);
-    static WLibrary* loadAt(const QString& path);
-    static WLibrary* enter(WLibrary* loaded);
-    static void unloadAndDelete(WLibrary* library);
+    KXQTS_INTERNAL static WLibrary* addReference(const QString& path);
+    KXQTS_INTERNAL static WLibrary* loadAt(const QString& path);
+    KXQTS_INTERNAL static WLibrary* enter(WLibrary* loaded);
+    KXQTS_INTERNAL static void unloadAndDelete(WLibrary* library);
 
     // The text that the library was asked for by. The loader may have found another file by it.
     const QString askedFor;

@@ -1,4 +1,4 @@
-#include "files/modules/moduleevents.h"
+#include "modules/moduleevents.h"
 
 #include <atomic>
 

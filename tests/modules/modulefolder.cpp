@@ -1,4 +1,4 @@
-#include "files/modules/modulefolder.h"
+#include "modules/modulefolder.h"
 
 #include <cstdlib>
 #include <dlfcn.h>
