@@ -13,3 +13,4 @@
 #include <KxQts/winapi/kernelcontrol.h>
 #include <KxQts/winapi/modules.h>
 #include <KxQts/winapi/types.h>
+#include <KxQts/winapi/volumes.h>
