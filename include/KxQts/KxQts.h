@@ -6,6 +6,7 @@
 #include <KxQts/daemon/kernelcontrol.h>
 #include <KxQts/daemon/registry.h>
 #include <KxQts/daemon/session.h>
+#include <KxQts/disk/volumeinfo.h>
 #include <KxQts/files/attributes.h>
 #include <KxQts/files/copymove.h>
 #include <KxQts/files/directories.h>

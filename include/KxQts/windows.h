@@ -14,3 +14,4 @@
 #include <KxQts/winapi/knowndirectories.h>
 #include <KxQts/winapi/modules.h>
 #include <KxQts/winapi/types.h>
+#include <KxQts/winapi/volumes.h>
