@@ -2,13 +2,17 @@
 /// The whole interface, for C++ with Qt.
 #pragma once
 
+#include <KxQts/corefoundation.h>
 #include <KxQts/daemon/command.h>
 #include <KxQts/daemon/registry.h>
 #include <KxQts/daemon/session.h>
 #include <KxQts/files/dynmodule.h>
 #include <KxQts/files/file.h>
 #include <KxQts/files/library.h>
+#include <KxQts/files/profile.h>
 #include <KxQts/handles/event.h>
+#include <KxQts/registry/prefs.h>
+#include <KxQts/registry/registry.h>
 #include <KxQts/windows.h>
 
 #include <QMessageBox>

@@ -9,4 +9,6 @@
 #include <KxQts/winapi/files.h>
 #include <KxQts/winapi/handles.h>
 #include <KxQts/winapi/modules.h>
+#include <KxQts/winapi/profiles.h>
+#include <KxQts/winapi/registry.h>
 #include <KxQts/winapi/types.h>

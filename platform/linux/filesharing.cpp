@@ -1,9 +1,10 @@
 #include "platform/filesharing.h"
 
+#include "platform/linux/descriptor.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
 
 namespace Korvex {
 
@@ -20,36 +21,11 @@ bool lockShared(int descriptor) {
     return result == 0;
 }
 
-/// Closes a descriptor also when the thread is terminated while it waits for the lock.
-class Descriptor {
-public:
-    explicit Descriptor(int toHold) : held(toHold) {}
-    ~Descriptor() {
-        if (held < 0)
-            return;
-        const int error = errno;
-        close(held);
-        errno = error;
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    [[nodiscard]] int get() const { return held; }
-    [[nodiscard]] int release() {
-        const int released = held;
-        held = -1;
-        return released;
-    }
-
-private:
-    int held;
-};
-
 } // namespace
 
 int openShared(const char* path, int flags, bool shared) {
     Descriptor opened(open(path, flags | O_CLOEXEC, permissions)); // NOLINT(*-vararg)
-    if (opened.get() < 0 || (shared && !lockShared(opened.get())))
+    if (!opened.isOpen() || (shared && !lockShared(opened.get())))
         return -1;
     return opened.release();
 }
