@@ -2,6 +2,7 @@
 /// The whole interface, for C++ with Qt.
 #pragma once
 
+#include <KxQts/corefoundation.h>
 #include <KxQts/daemon/command.h>
 #include <KxQts/daemon/kernelcontrol.h>
 #include <KxQts/daemon/registry.h>
@@ -15,9 +16,12 @@
 #include <KxQts/files/find.h>
 #include <KxQts/files/knowndirectories.h>
 #include <KxQts/files/library.h>
+#include <KxQts/files/profile.h>
 #include <KxQts/handles/event.h>
 #include <KxQts/messages/localization.h>
 #include <KxQts/refcounter.h>
+#include <KxQts/registry/prefs.h>
+#include <KxQts/registry/registry.h>
 #include <KxQts/windows.h>
 
 #include <QMessageBox>

@@ -75,21 +75,15 @@ public:
     Owned() = default;
     explicit Owned(Ref toHold) : held(toHold) {}
 
-    [[nodiscard]] Ref get() const { return static_cast<Ref>(held.get()); }
-    [[nodiscard]] Ref release() { return static_cast<Ref>(held.release()); }
+    [[nodiscard]] Ref get() const { return typed(held.get()); }
+    [[nodiscard]] Ref release() { return typed(held.release()); }
     explicit operator bool() const { return held != nullptr; }
 
 private:
+    // Mutable containers have pointers that are not to constants.
+    static Ref typed(const void* object) { return static_cast<Ref>(const_cast<void*>(object)); }
+
     std::unique_ptr<const void, Releaser> held;
 };
-
-template <>
-inline CFMutableArrayRef Owned<CFMutableArrayRef>::get() const {
-    return static_cast<CFMutableArrayRef>(const_cast<void*>(held.get()));
-}
-template <>
-inline CFMutableDictionaryRef Owned<CFMutableDictionaryRef>::get() const {
-    return static_cast<CFMutableDictionaryRef>(const_cast<void*>(held.get()));
-}
 
 } // namespace Korvex::Cf

@@ -25,7 +25,7 @@ bool lockShared(int descriptor) {
 
 int openShared(const char* path, int flags, bool shared) {
     Descriptor opened(open(path, flags | O_CLOEXEC, permissions)); // NOLINT(*-vararg)
-    if (opened.get() < 0 || (shared && !lockShared(opened.get())))
+    if (!opened.isOpen() || (shared && !lockShared(opened.get())))
         return -1;
     return opened.release();
 }

@@ -1,14 +1,12 @@
 #include "platform/runtimefolder.h"
 
-#include <cstdlib>
+#include "platform/rootfolder.h"
 
 namespace Korvex {
 
 const std::string& runTimeFolder() {
-    // Null for a process that has more rights than whoever started it and set the variable.
-    static const char* const root = secure_getenv("KXQTS_ROOT");
-    static const auto* const folder =
-        new std::string((root ? root : "") + std::string("/run/korvex"));
+    // Never deleted: what is kept there may be asked for until the process ends.
+    static const auto* const folder = new std::string((rootFolder() + "/run/korvex").toStdString());
     return *folder;
 }
 

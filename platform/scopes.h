@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cerrno>
+#include <pthread.h>
+
+namespace Korvex {
+
+/// Keeps the thread from being terminated while it lives: in a destructor, which no thread may be
+/// unwound from, around what would end a thread that somebody wants to end.
+class TerminationDeferred {
+public:
+    TerminationDeferred() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before); }
+    ~TerminationDeferred() { pthread_setcancelstate(before, nullptr); }
+
+    TerminationDeferred(const TerminationDeferred&) = delete;
+    TerminationDeferred& operator=(const TerminationDeferred&) = delete;
+
+private:
+    int before = PTHREAD_CANCEL_ENABLE;
+};
+
+/// Leaves `errno` at its end as it was at its beginning.
+class ErrorNumberKept {
+public:
+    ErrorNumberKept() = default;
+    ~ErrorNumberKept() { errno = before; }
+
+    ErrorNumberKept(const ErrorNumberKept&) = delete;
+    ErrorNumberKept& operator=(const ErrorNumberKept&) = delete;
+
+private:
+    const int before = errno;
+};
+
+} // namespace Korvex
