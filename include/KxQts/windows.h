@@ -6,6 +6,7 @@
 /// `#include <windows.h>` finds in a source that was written for Windows.
 #pragma once
 
+#include <KxQts/winapi/crt.h>
 #include <KxQts/winapi/files.h>
 #include <KxQts/winapi/filesystem.h>
 #include <KxQts/winapi/find.h>
