@@ -81,7 +81,7 @@ static const char* system_calls(void) {
     int (*const lead)(unsigned int) = _ismbblead;
     CHECK(lead != NULL);
     CHECK(_wgetenv(L"KXQTS_MISSING") == NULL);
-    CHECK(_wrmdir(L"missing") == -1 && errno == 2);
+    CHECK(_wrmdir(L"missing") == -1 && errno == ERROR_FILE_NOT_FOUND);
     return NULL;
 }
 
