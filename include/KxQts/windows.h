@@ -6,10 +6,13 @@
 /// `#include <windows.h>` finds in a source that was written for Windows.
 #pragma once
 
+#include <KxQts/winapi/crt.h>
+#include <KxQts/winapi/errors.h>
 #include <KxQts/winapi/files.h>
 #include <KxQts/winapi/filesystem.h>
 #include <KxQts/winapi/find.h>
 #include <KxQts/winapi/handles.h>
+#include <KxQts/winapi/helpers.h>
 #include <KxQts/winapi/kernelcontrol.h>
 #include <KxQts/winapi/knowndirectories.h>
 #include <KxQts/winapi/modules.h>

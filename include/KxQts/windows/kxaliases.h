@@ -1,0 +1,30 @@
+/// \file
+/// The names without `A` or `W` at the end, which stand for the form that the program is built for.
+///
+/// Only headers of this folder include this one: a program that does not ask for `<windows.h>`
+/// keeps these names for itself. A pair of calls that the library exports has its line here; a test
+/// sees to it.
+#pragma once
+
+#ifdef UNICODE
+#define KXQTS_ALIAS(name) name##W
+#else
+#define KXQTS_ALIAS(name) name##A
+#endif
+
+#define CopyFile KXQTS_ALIAS(CopyFile)
+#define CreateDirectory KXQTS_ALIAS(CreateDirectory)
+#define CreateEvent KXQTS_ALIAS(CreateEvent)
+#define CreateFile KXQTS_ALIAS(CreateFile)
+#define DeleteFile KXQTS_ALIAS(DeleteFile)
+#define FindFirstFile KXQTS_ALIAS(FindFirstFile)
+#define GetFileAttributes KXQTS_ALIAS(GetFileAttributes)
+#define GetFileAttributesEx KXQTS_ALIAS(GetFileAttributesEx)
+#define GetModuleFileName KXQTS_ALIAS(GetModuleFileName)
+#define GetModuleHandle KXQTS_ALIAS(GetModuleHandle)
+#define GetSystemDirectory KXQTS_ALIAS(GetSystemDirectory)
+#define GetTempPath KXQTS_ALIAS(GetTempPath)
+#define GetWindowsDirectory KXQTS_ALIAS(GetWindowsDirectory)
+#define MoveFile KXQTS_ALIAS(MoveFile)
+#define RemoveDirectory KXQTS_ALIAS(RemoveDirectory)
+#define SetFileAttributes KXQTS_ALIAS(SetFileAttributes)

@@ -1,0 +1,7 @@
+#include "report.h"
+
+int wmain(int argc, wchar_t* argv[]);
+
+int wmain(int argc, wchar_t* argv[]) {
+    return report_arguments(argc, argv);
+}

@@ -1,0 +1,5 @@
+#include "report.h"
+
+int wmain(void) {
+    return REPORT_STATUS;
+}

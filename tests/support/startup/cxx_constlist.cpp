@@ -1,0 +1,5 @@
+#include "report.h"
+
+int wmain(int argc, const wchar_t* const* argv) {
+    return report_arguments(argc, const_cast<wchar_t**>(argv));
+}

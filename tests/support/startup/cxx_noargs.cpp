@@ -1,0 +1,5 @@
+#include "report.h"
+
+int wmain() {
+    return REPORT_STATUS;
+}

@@ -1,0 +1,4 @@
+// Has neither main nor wmain.
+int unused() {
+    return 0;
+}

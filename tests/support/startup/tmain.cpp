@@ -1,0 +1,2 @@
+// The same source as C++.
+#include "tmain.c"
