@@ -6,6 +6,7 @@
 #include <KxQts/winapi/files.h>
 
 #include "files/filehandle.h"
+#include "files/path.h"
 
 #include <cerrno>
 
@@ -45,7 +46,7 @@ DWORD highWord(long long value) {
 HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                    LPSECURITY_ATTRIBUTES lpSecurityAttributes, DWORD dwCreationDisposition,
                    DWORD dwFlagsAndAttributes, HANDLE hTemplateFile) {
-    return createFile(QString::fromLatin1(lpFileName), dwDesiredAccess, dwShareMode,
+    return createFile(Korvex::pathFrom(lpFileName), dwDesiredAccess, dwShareMode,
                       lpSecurityAttributes, dwCreationDisposition, dwFlagsAndAttributes,
                       hTemplateFile);
 }
@@ -53,9 +54,9 @@ HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
 HANDLE CreateFileW(LPCWSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                    LPSECURITY_ATTRIBUTES lpSecurityAttributes, DWORD dwCreationDisposition,
                    DWORD dwFlagsAndAttributes, HANDLE hTemplateFile) {
-    return createFile(lpFileName ? QString::fromWCharArray(lpFileName) : QString(), dwDesiredAccess,
-                      dwShareMode, lpSecurityAttributes, dwCreationDisposition,
-                      dwFlagsAndAttributes, hTemplateFile);
+    return createFile(Korvex::pathFrom(lpFileName), dwDesiredAccess, dwShareMode,
+                      lpSecurityAttributes, dwCreationDisposition, dwFlagsAndAttributes,
+                      hTemplateFile);
 }
 
 BOOL ReadFile(HANDLE hFile, LPVOID lpBuffer, DWORD nNumberOfBytesToRead,

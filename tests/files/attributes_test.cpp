@@ -161,6 +161,8 @@ TEST_F(Attributes, SizesAbove4GiBNeedBothWords) {
 }
 
 TEST_F(Attributes, TimesThat32BitsOfSecondsCannotTellAreAllOnes) {
+    if (sizeof(time_t) < sizeof(std::int64_t))
+        GTEST_SKIP() << "such times cannot be set with this width of time_t";
     const std::string path = makeFile("file");
     constexpr unsigned long long outOfRange = 0xFFFFFFFFull * 10'000'000;
     setTimes(path, -1, 0x1'0000'0000);

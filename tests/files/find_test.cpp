@@ -11,8 +11,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <thread>
 #include <vector>
@@ -47,10 +48,9 @@ TEST_F(Find, WalksTheMatchesAndWritesNoData) {
     makeFile("a.txt");
     makeFile("b.txt");
     makeFile("c.log");
-    WIN32_FIND_DATA data;
-    WIN32_FIND_DATA untouched;
-    std::memset(&data, 0xAB, sizeof data);
-    std::memset(&untouched, 0xAB, sizeof untouched);
+    alignas(WIN32_FIND_DATA) std::array<unsigned char, sizeof(WIN32_FIND_DATA)> record{};
+    record.fill(0xAB);
+    auto& data = reinterpret_cast<WIN32_FIND_DATA&>(record);
     errno = 77;
     HANDLE search = FindFirstFileA("*.txt", &data);
     ASSERT_NE(search, INVALID_HANDLE_VALUE);
@@ -59,7 +59,7 @@ TEST_F(Find, WalksTheMatchesAndWritesNoData) {
     EXPECT_EQ(FindNextFile(search, &data), FALSE);
     EXPECT_EQ(errno, 2);
     EXPECT_EQ(FindClose(search), TRUE) << "also behind the end";
-    EXPECT_EQ(std::memcmp(&data, &untouched, sizeof data), 0);
+    EXPECT_TRUE(std::all_of(record.begin(), record.end(), [](auto byte) { return byte == 0xAB; }));
 }
 
 TEST_F(Find, TakesPatternsOfEveryForm) {

@@ -30,7 +30,7 @@ void InOwnFolder::TearDown() {
 }
 
 std::string InOwnFolder::makeFile(const std::string& name, const std::string& contents) const {
-    const std::string path = (folder / name).string();
+    std::string path = (folder / name).string();
     std::ofstream(path, std::ios::binary) << contents;
     chmod(path.c_str(), 0644);
     giveToOrdinaryUser(path.c_str());
@@ -38,7 +38,7 @@ std::string InOwnFolder::makeFile(const std::string& name, const std::string& co
 }
 
 std::string InOwnFolder::makeFolder(const std::string& name) const {
-    const std::string path = (folder / name).string();
+    std::string path = (folder / name).string();
     fs::create_directory(path);
     giveToOrdinaryUser(path.c_str());
     return path;
