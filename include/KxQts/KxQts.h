@@ -17,6 +17,8 @@
 #include <KxQts/handles/event.h>
 #include <KxQts/messages/localization.h>
 #include <KxQts/refcounter.h>
+#include <KxQts/system/commandline.h>
+#include <KxQts/system/process.h>
 #include <KxQts/windows.h>
 
 #include <QMessageBox>

@@ -13,4 +13,5 @@
 #include <KxQts/winapi/kernelcontrol.h>
 #include <KxQts/winapi/knowndirectories.h>
 #include <KxQts/winapi/modules.h>
+#include <KxQts/winapi/processes.h>
 #include <KxQts/winapi/types.h>
