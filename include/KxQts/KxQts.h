@@ -18,6 +18,7 @@
 #include <KxQts/messages/localization.h>
 #include <KxQts/refcounter.h>
 #include <KxQts/system/commandline.h>
+#include <KxQts/system/currentprocess.h>
 #include <KxQts/system/process.h>
 #include <KxQts/windows.h>
 
