@@ -2,8 +2,10 @@
 
 #include "files/filehandle.h"
 #include "handles/disposal.h"
+#include "system/processcare.h"
 
 #include <KxQts/handles/event.h>
+#include <KxQts/winapi/handles.h>
 
 #include <algorithm>
 #include <array>
@@ -11,6 +13,12 @@
 namespace Korvex {
 
 using HandleAddresses::Use;
+
+namespace {
+
+const QString processTag = QStringLiteral("QProcess");
+
+} // namespace
 
 /// The handle classes, in the order in which a handle's tag is compared with theirs.
 struct HandleClassTable {
@@ -29,13 +37,28 @@ struct HandleClassTable {
         return held ? WEvent::waitForLive(*event, ms, held) : WEvent::wait(event, ms);
     }
 
+    static bool isKnownProcess(HANDLE handle) KXQTS_UNCHECKED_LOCKING {
+        return ProcessCare::isKnown(static_cast<const WProcess*>(handle));
+    }
+
+    static BOOL closeProcess(HANDLE handle) {
+        return ProcessCare::close(static_cast<WProcess*>(handle));
+    }
+
+    // The wait is for objects of this tag, which the library's own process handles do not have.
+    static DWORD waitForProcess(HANDLE handle, DWORD ms, HeldLock&) {
+        return WProcess::wait(static_cast<WProcess*>(handle), ms) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+    }
+
     static const HandleClass* withTag(const QString& tag);
     static const HandleClass* withUse(Use use);
 
-    static const std::array<HandleClass, 2> rows;
+    static const std::array<HandleClass, 4> rows;
 };
 
-const std::array<HandleClass, 2> HandleClassTable::rows{{
+const std::array<HandleClass, 4> HandleClassTable::rows{{
+    {WProcess::sObjName, Use::Process, &WProcess::sCritSect, isKnownProcess, closeProcess, nullptr},
+    {processTag, Use::Object, nullptr, nullptr, nullptr, waitForProcess},
     {WEvent::sObjName, Use::Event, &WEvent::sCritSect, isLive<WEvent>, close<WEvent>, waitForEvent},
     {fileTag, Use::Object, nullptr, nullptr, closeFile, nullptr},
 }};

@@ -22,6 +22,9 @@
 #include <KxQts/refcounter.h>
 #include <KxQts/registry/prefs.h>
 #include <KxQts/registry/registry.h>
+#include <KxQts/system/commandline.h>
+#include <KxQts/system/currentprocess.h>
+#include <KxQts/system/process.h>
 #include <KxQts/windows.h>
 
 #include <QMessageBox>

@@ -1,6 +1,6 @@
 #include <KxQts/daemon/registry.h>
 
-#include "daemon/peer.h"
+#include "fakes/peer.h"
 #include "fakes/sleeplessclock.h"
 
 #include <QAbstractSocket>

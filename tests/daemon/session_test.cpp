@@ -1,7 +1,7 @@
 #include <KxQts/daemon/session.h>
 
 #include "daemon/loopback.h"
-#include "daemon/peer.h"
+#include "fakes/peer.h"
 #include "fakes/sleeplessclock.h"
 
 #include <QHostAddress>

@@ -2,9 +2,6 @@
 // loopback interface of its own, so that they may run side by side and beside a daemon of the
 // machine.
 
-#include <QString>
-#include <QtGlobal>
-
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -30,17 +27,6 @@ class OwnLoopback : public testing::Environment {
     }
 };
 
-/// The library's clients have neither an event loop nor a `QCoreApplication`; Qt must not complain
-/// about that on their standard error.
-class NoWarnings : public testing::Environment {
-    static void fail(QtMsgType, const QMessageLogContext&, const QString& text) {
-        ADD_FAILURE() << text.toStdString();
-    }
-
-    void SetUp() override { qInstallMessageHandler(fail); }
-};
-
-const auto* const quiet = testing::AddGlobalTestEnvironment(new NoWarnings);
 const auto* const registered = testing::AddGlobalTestEnvironment(new OwnLoopback);
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "daemon/peer.h"
+#include "fakes/peer.h"
 
 #include <gtest/gtest.h>
 

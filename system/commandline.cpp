@@ -1,0 +1,31 @@
+#include <KxQts/system/commandline.h>
+
+#include <KxQts/daemon/command.h>
+
+#include <atomic>
+#include <cstdlib>
+
+namespace {
+
+constexpr unsigned runCommandLine = 6;
+constexpr unsigned parameterCount = 4;
+
+std::atomic<bool> isRootMode{false};
+
+} // namespace
+
+int executeCommandLineTool(const QString& tool, const QStringList& arguments, QString& output,
+                           unsigned int timeout) {
+    QString command = tool;
+    for (const QString& argument : arguments)
+        command += QLatin1Char(' ') + argument;
+    if (isRootMode)
+        return std::system(command.toLatin1().constData()); // NOLINT(bugprone-*,cert-env33-c)
+    const unsigned parameters[parameterCount] = {};
+    return CallDaemonSession(runCommandLine, timeout, &command, parameters, parameterCount,
+                             &output);
+}
+
+void setRootModeFor_executeCommandLineTool() {
+    isRootMode = true;
+}
