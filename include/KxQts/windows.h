@@ -19,5 +19,6 @@
 #include <KxQts/winapi/processes.h>
 #include <KxQts/winapi/profiles.h>
 #include <KxQts/winapi/registry.h>
+#include <KxQts/winapi/text.h>
 #include <KxQts/winapi/types.h>
 #include <KxQts/winapi/volumes.h>

@@ -31,8 +31,9 @@ def listed():
 
 
 def as_on_32_bits(symbols):
-    """There, `size_t` is `unsigned int` and `ptrdiff_t` is `int`."""
+    """There, `size_t` is `unsigned int`, `ptrdiff_t` is `int` and `va_list` is `char*`."""
     return sorted({re.sub(r"\blong\b(?! long)(?<!long long)", "int", symbol)
+                   .replace("__va_list_tag (*) [1]", "char**").replace("__va_list_tag*", "char*")
                    for symbol in symbols})
 
 
