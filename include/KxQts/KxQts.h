@@ -22,6 +22,7 @@
 #include <KxQts/refcounter.h>
 #include <KxQts/registry/prefs.h>
 #include <KxQts/registry/registry.h>
+#include <KxQts/support/log.h>
 #include <KxQts/support/text.h>
 #include <KxQts/system/commandline.h>
 #include <KxQts/system/currentprocess.h>

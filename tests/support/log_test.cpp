@@ -1,0 +1,491 @@
+#include <KxQts/support/log.h>
+
+#include "common/locales.h"
+#include "common/scratchfile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <sys/file.h>
+#include <sys/mount.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+using Korvex::__kx_glog;
+using Korvex::IOLog;
+using Korvex::WLogFile;
+using KxTest::contentsOf;
+using KxTest::ScratchFile;
+using testing::MatchesRegex;
+
+namespace {
+
+constexpr unsigned newFile = 2;
+constexpr unsigned appending = 4;
+constexpr unsigned inTmp = 0x4000;
+constexpr unsigned off = 0x8000;
+
+const std::string stamp = "[A-Z][a-z][a-z] [0-9][0-9] [0-9][0-9]:[0-9][0-9]:[0-9][0-9]";
+
+/// A log as it is before any constructor has run.
+class ZeroFilledLog {
+public:
+    ~ZeroFilledLog() { get().~WLogFile(); }
+    WLogFile& get() { return *std::launder(reinterpret_cast<WLogFile*>(memory)); }
+
+private:
+    alignas(WLogFile) unsigned char memory[sizeof(WLogFile)] = {};
+};
+
+/// Leads a descriptor to a file for a scope.
+class Redirected {
+public:
+    Redirected(int redirected, const std::string& file)
+        : descriptor(redirected), before(fcntl(redirected, F_DUPFD_CLOEXEC, 10)) {
+        const int opened = open(file.c_str(), O_RDWR | O_CREAT | O_APPEND, 0600);
+        dup2(opened, descriptor);
+        close(opened);
+    }
+    ~Redirected() {
+        dup2(before, descriptor);
+        close(before);
+    }
+    Redirected(const Redirected&) = delete;
+    Redirected& operator=(const Redirected&) = delete;
+
+private:
+    int descriptor;
+    int before;
+};
+
+/// A folder "/tmp" of the test's own where the rights suffice.
+class PrivateTmp {
+public:
+    PrivateTmp() : mounted(mount("none", "/tmp", "tmpfs", 0, nullptr) == 0) {}
+    ~PrivateTmp() {
+        if (mounted)
+            umount("/tmp");
+    }
+    PrivateTmp(const PrivateTmp&) = delete;
+    PrivateTmp& operator=(const PrivateTmp&) = delete;
+
+private:
+    bool mounted;
+};
+
+/// Puts the log of the process back as it was.
+class Log : public testing::Test {
+protected:
+    ~Log() override {
+        if (__kx_glog.fd > 1)
+            close(__kx_glog.fd);
+        __kx_glog.fd = fdBefore;
+        __kx_glog.title = titleBefore;
+    }
+
+    /// Opens the log of the process and forgets the line that it begins with.
+    void openQuietly(const QString& name = QStringLiteral("title")) {
+        QString given = name;
+        Korvex::IOLogOpen(QString::fromStdString(file.name), newFile, &given, nullptr);
+        ASSERT_EQ(ftruncate(__kx_glog.fd, 0), 0);
+        lseek(__kx_glog.fd, 0, SEEK_SET);
+    }
+
+    std::string logged() const { return contentsOf(file.name); }
+
+    const ScratchFile file;
+
+private:
+    const int fdBefore = __kx_glog.fd;
+    const QString titleBefore = __kx_glog.title;
+};
+
+int messageV(WLogFile& log, bool withTime, const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    log.messageV(withTime, QString::fromLatin1(format), args);
+    va_end(args);
+    return 0;
+}
+
+int printV(WLogFile& log, const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    log.printV(QString::fromLatin1(format), args);
+    va_end(args);
+    return 0;
+}
+
+std::vector<std::string> linesOf(const std::string& name) {
+    std::ifstream stream(name);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+} // namespace
+
+static_assert(offsetof(WLogFile, fd) == 0);
+static_assert(sizeof(WLogFile::fd) == 4);
+
+TEST_F(Log, AZeroFilledOneWritesToDescriptor0UnderAnEmptyTitle) {
+    ZeroFilledLog memory;
+    WLogFile& log = memory.get();
+    EXPECT_EQ(log.fd, 0);
+    EXPECT_TRUE(log.title.isNull());
+    {
+        const Redirected input(0, file.name);
+        messageV(log, false, "hello %d", 5);
+        messageV(log, true, "with time");
+        printV(log, "raw");
+    }
+    EXPECT_THAT(logged(), MatchesRegex(": hello 5\n" + stamp + " : with time\nraw"));
+    EXPECT_EQ(log.closeLog(), -1);
+    EXPECT_EQ(log.fd, 0);
+}
+
+TEST_F(Log, OpensANewFile) {
+    std::ofstream(file.name) << "old";
+    EXPECT_EQ(Korvex::IOLogOpen(file.name.c_str(), newFile, "title", "module"), 1);
+    EXPECT_GE(__kx_glog.fd, 2);
+    EXPECT_THAT(logged(), MatchesRegex(stamp + " title: module; has been loaded.\n"));
+}
+
+TEST_F(Log, AppendsToAFile) {
+    std::ofstream(file.name) << "old\n";
+    EXPECT_EQ(Korvex::IOLogOpen(file.name.c_str(), appending, "title", nullptr), 1);
+    EXPECT_THAT(logged(), MatchesRegex("old\n" + stamp + " title: has been loaded.\n"));
+    std::ofstream(file.name, std::ios::app) << "another writer\n";
+    IOLog("at the end");
+    EXPECT_THAT(linesOf(file.name).back(), MatchesRegex(stamp + " title: at the end"));
+}
+
+TEST_F(Log, ANewFileGoesBeforeAppending) {
+    std::ofstream(file.name) << "old";
+    Korvex::IOLogOpen(file.name.c_str(), newFile | appending, "", "");
+    EXPECT_THAT(logged(), MatchesRegex(stamp + " : has been loaded.\n"));
+    std::ofstream(file.name, std::ios::trunc);
+    IOLog("x");
+    EXPECT_EQ(logged().front(), '\0') << "it does not append: the position stays";
+}
+
+TEST_F(Log, EveryoneMayReadAndWriteTheFileWhateverTheMask) {
+    const mode_t mask = umask(077);
+    openQuietly();
+    umask(mask);
+    struct stat status {};
+    ASSERT_EQ(stat(file.name.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0666U);
+}
+
+TEST_F(Log, TheFileCarriesASharedLockAndIsNotInherited) {
+    openQuietly();
+    EXPECT_NE(fcntl(__kx_glog.fd, F_GETFD) & FD_CLOEXEC, 0);
+    const int other = open(file.name.c_str(), O_RDWR | O_CLOEXEC);
+    EXPECT_EQ(flock(other, LOCK_EX | LOCK_NB), -1);
+    EXPECT_EQ(flock(other, LOCK_SH | LOCK_NB), 0);
+    close(other);
+    EXPECT_EQ(fcntl(__kx_glog.fd, F_GETFL) & O_ACCMODE, O_RDWR);
+}
+
+TEST_F(Log, AnEmptyPathMeansLogfileLog) {
+    Korvex::IOLogOpen("", newFile, nullptr, nullptr);
+    EXPECT_THAT(contentsOf("logfile.log"), MatchesRegex(stamp + " : has been loaded.\n"));
+    std::filesystem::remove("logfile.log");
+}
+
+TEST_F(Log, TheFlagForTheTemporaryFolderKeepsTheFileName) {
+    const PrivateTmp tmp;
+    Korvex::IOLogOpen("x/y/kxqts-test.log", inTmp | newFile, "", "");
+    EXPECT_THAT(contentsOf("/tmp/kxqts-test.log"), MatchesRegex(stamp + " : has been loaded.\n"));
+    std::filesystem::remove("/tmp/kxqts-test.log");
+    EXPECT_EQ(Korvex::IOLogClose(), 0);
+}
+
+TEST_F(Log, TheFlagForTheTemporaryFolderWithoutASlashMeansLogfileLog) {
+    const PrivateTmp tmp;
+    for (const char* path : {"y.log", ""}) {
+        Korvex::IOLogOpen(path, inTmp | newFile, "", "");
+        EXPECT_THAT(contentsOf("/tmp/logfile.log"), MatchesRegex(stamp + " : has been loaded.\n"));
+        std::filesystem::remove("/tmp/logfile.log");
+        EXPECT_EQ(Korvex::IOLogClose(), 0);
+    }
+    EXPECT_FALSE(std::filesystem::exists("y.log"));
+}
+
+TEST_F(Log, APathThatEndsWithASlashCannotBeOpenedInTheTemporaryFolder) {
+    const Redirected output(1, file.name);
+    Korvex::IOLogOpen("x/", inTmp | newFile, "", "");
+    EXPECT_EQ(__kx_glog.fd, 1);
+}
+
+TEST_F(Log, WithoutFlagsOnlyTheTitleChanges) {
+    openQuietly();
+    const int before = __kx_glog.fd;
+    EXPECT_EQ(Korvex::IOLogOpen(file.name.c_str(), 0, "other", "module"), 1);
+    EXPECT_EQ(__kx_glog.fd, before);
+    EXPECT_EQ(__kx_glog.title, "other");
+    EXPECT_EQ(Korvex::IOLogOpen(file.name.c_str(), inTmp, "third", "module"), 1);
+    EXPECT_EQ(__kx_glog.title, "third");
+    EXPECT_EQ(logged(), "");
+}
+
+TEST_F(Log, LoggingOffChangesNothing) {
+    openQuietly();
+    const int before = __kx_glog.fd;
+    EXPECT_EQ(Korvex::IOLogOpen("other.log", off | newFile | appending, "other", "module"), 1);
+    EXPECT_EQ(__kx_glog.fd, before);
+    EXPECT_EQ(__kx_glog.title, "title");
+    EXPECT_FALSE(std::filesystem::exists("other.log"));
+    EXPECT_EQ(logged(), "");
+}
+
+TEST_F(Log, AFileThatCannotBeOpenedMeansStandardOutputAndNoLine) {
+    const Redirected output(1, file.name);
+    EXPECT_EQ(Korvex::IOLogOpen("no/such/folder.log", newFile, "title", "module"), 1);
+    EXPECT_EQ(__kx_glog.fd, 1);
+    EXPECT_EQ(logged(), "");
+    IOLog("to standard output");
+    EXPECT_THAT(logged(), MatchesRegex(stamp + " title: to standard output\n"));
+    EXPECT_EQ(Korvex::IOLogClose(), 0) << "the descriptor less one";
+    EXPECT_EQ(__kx_glog.fd, 1);
+}
+
+TEST_F(Log, TheFileNeverTakesTheNumberOfAStandardDescriptor) {
+    const int input = fcntl(0, F_DUPFD_CLOEXEC, 10);
+    close(0);
+    Korvex::IOLogOpen(file.name.c_str(), newFile, "", "");
+    EXPECT_GE(__kx_glog.fd, 2);
+    EXPECT_NE(fcntl(__kx_glog.fd, F_GETFD) & FD_CLOEXEC, 0);
+    EXPECT_EQ(fcntl(0, F_GETFD), -1) << "and leaves that number free";
+    dup2(input, 0);
+    close(input);
+}
+
+TEST_F(Log, OpeningAgainReplacesTheDescriptorWithoutClosingIt) {
+    openQuietly();
+    const int first = __kx_glog.fd;
+    const ScratchFile other;
+    Korvex::IOLogOpen(other.name.c_str(), newFile, "", "");
+    EXPECT_NE(__kx_glog.fd, first);
+    EXPECT_NE(fcntl(first, F_GETFD), -1);
+    close(first);
+}
+
+TEST_F(Log, UsingTheCurrentOneOpensOnlyWhenNoFileIsOpen) {
+    for (const int start : {-1, 0, 1}) {
+        __kx_glog.fd = start;
+        EXPECT_TRUE(Korvex::IOLogOpenUseCurrent(file.name.c_str(), newFile, "first", nullptr));
+        EXPECT_GE(__kx_glog.fd, 2);
+        const int opened = __kx_glog.fd;
+        QString title = QStringLiteral("second");
+        EXPECT_FALSE(Korvex::IOLogOpenUseCurrent("other.log", newFile, "second", nullptr));
+        EXPECT_FALSE(
+            Korvex::IOLogOpenUseCurrent(QStringLiteral("other.log"), newFile, &title, nullptr));
+        EXPECT_EQ(__kx_glog.fd, opened);
+        EXPECT_EQ(__kx_glog.title, "first");
+        EXPECT_FALSE(std::filesystem::exists("other.log"));
+        EXPECT_EQ(Korvex::IOLogClose(), 0);
+    }
+    QString module = QStringLiteral("m\u00F6dule");
+    EXPECT_TRUE(
+        Korvex::IOLogOpenUseCurrent(QString::fromStdString(file.name), newFile, nullptr, &module));
+    EXPECT_THAT(logged(), MatchesRegex(stamp + " : m\xF6"
+                                               "dule; has been loaded.\n"));
+}
+
+TEST_F(Log, ClosingWritesALineAndThenNothingMore) {
+    openQuietly();
+    const int descriptor = __kx_glog.fd;
+    EXPECT_EQ(Korvex::IOLogClose(), 0);
+    EXPECT_EQ(__kx_glog.fd, -1);
+    EXPECT_EQ(fcntl(descriptor, F_GETFD), -1);
+    const std::string unloaded = logged();
+    EXPECT_THAT(unloaded, MatchesRegex(stamp + " title: has been unloaded.\n"));
+    IOLog("lost");
+    Korvex::IOPrint("lost");
+    EXPECT_EQ(Korvex::IOLogClose(), -1);
+    EXPECT_EQ(logged(), unloaded);
+}
+
+TEST_F(Log, ClosingADescriptorThatIsGoneFailsAsCloseDoes) {
+    openQuietly();
+    close(__kx_glog.fd);
+    EXPECT_EQ(Korvex::IOLogClose(), -1);
+    EXPECT_EQ(errno, EBADF);
+    EXPECT_EQ(__kx_glog.fd, -1);
+}
+
+TEST_F(Log, LinesAboutAnotherLogGoToTheLogOfTheProcess) {
+    openQuietly();
+    const ScratchFile other;
+    WLogFile log;
+    EXPECT_EQ(log.openLog(QString::fromStdString(other.name), QStringLiteral("other"),
+                          QStringLiteral("module"), newFile),
+              1);
+    EXPECT_GE(log.fd, 2);
+    EXPECT_EQ(log.title, "other");
+    EXPECT_EQ(log.closeLog(), 0);
+    EXPECT_EQ(contentsOf(other.name), "");
+    EXPECT_THAT(logged(), MatchesRegex(stamp + " title: module; has been loaded.\n" + stamp +
+                                       " title: has been unloaded.\n"));
+}
+
+TEST_F(Log, TheTitleIsExchanged) {
+    QString before;
+    Korvex::IOLogSetTitle(QStringLiteral("one"), &before);
+    Korvex::IOLogSetTitle(QStringLiteral("two"), &before);
+    EXPECT_EQ(before, "one");
+    Korvex::IOLogSetTitle(QStringLiteral("three"), nullptr);
+    EXPECT_EQ(__kx_glog.title, "three");
+    QString same = QStringLiteral("four");
+    Korvex::IOLogSetTitle(same, &same);
+    EXPECT_EQ(__kx_glog.title, "four");
+    EXPECT_EQ(same, "three");
+}
+
+TEST_F(Log, LinesHaveTimeTitleAndText) {
+    openQuietly();
+    IOLog("%s %d", "a", 1);
+    Korvex::IOTxt("%s", "b");
+    Korvex::IOLog1(true, "%s", "c");
+    Korvex::IOLog1(false, "%s", "never");
+    EXPECT_THAT(logged(), MatchesRegex(stamp + " title: a 1\n" + stamp + " title: b\n" + stamp +
+                                       " title: c\n"));
+}
+
+TEST_F(Log, PrintedTextStandsAsItIs) {
+    openQuietly();
+    Korvex::IOPrint("%s|", "a");
+    Korvex::IOPrint1(true, "%d|", 2);
+    Korvex::IOPrint1(false, "never");
+    EXPECT_EQ(logged(), "a|2|");
+}
+
+TEST_F(Log, TheTimeIsTheLocalOne) {
+    const KxTest::EnvironmentVariable zone("TZ", "TST-5:30");
+    tzset();
+    openQuietly();
+    const std::time_t before = std::time(nullptr);
+    IOLog("x");
+    const std::time_t after = std::time(nullptr);
+    const std::string line = logged().substr(0, 15);
+    bool found = false;
+    for (std::time_t moment = before; moment <= after; ++moment) {
+        std::array<char, 20> text{};
+        std::tm local{};
+        localtime_r(&moment, &local);
+        EXPECT_EQ(local.tm_gmtoff, (5 * 60 + 30) * 60);
+        std::strftime(text.data(), text.size(), "%b %d %T", &local);
+        found = found || line == text.data();
+    }
+    EXPECT_TRUE(found) << line;
+}
+
+TEST_F(Log, APercentSignInTheTitleIsReadAsAConversion) {
+    openQuietly(QStringLiteral("<%d>"));
+    IOLog("%d", 1, 2);
+    EXPECT_THAT(logged(), MatchesRegex(stamp + " <1>: 2\n"));
+}
+
+TEST_F(Log, APercentSignBeforeTheColonStands) {
+    openQuietly(QStringLiteral("50%"));
+    IOLog("%d", 1);
+    EXPECT_THAT(logged(), MatchesRegex(stamp + " 50%: 1\n"));
+}
+
+TEST_F(Log, TextReachesTheLogByteForByte) {
+    openQuietly(QStringLiteral("t\u00EFtle"));
+    IOLog("gr\xF6\xDF"
+          "er %s",
+          "\xE4\xFF\xC3\xA4");
+    EXPECT_THAT(logged(), testing::EndsWith(" t\xEFtle: gr\xF6\xDF"
+                                            "er \xE4\xFF\xC3\xA4\n"));
+}
+
+TEST_F(Log, ATitleBeyondLatin1HasQuestionMarks) {
+    openQuietly(QStringLiteral("5 \u20AC"));
+    IOLog("x");
+    EXPECT_THAT(logged(), testing::EndsWith(" 5 ?: x\n"));
+}
+
+TEST_F(Log, EachTextIsOneWrite) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()), 0);
+    __kx_glog.fd = ends[1];
+    const std::string longText(5000, 'x');
+    IOLog("%s", longText.c_str());
+    Korvex::IOPrint("a%cb%s", 0, "c");
+    std::vector<char> buffer(10000);
+    EXPECT_GT(recv(ends[0], buffer.data(), buffer.size(), 0), 5000);
+    EXPECT_EQ(recv(ends[0], buffer.data(), buffer.size(), 0), 4) << "the zero is a character too";
+    close(ends[0]);
+}
+
+TEST_F(Log, NullTextsAreEmpty) {
+    openQuietly(QString());
+    const char* none = nullptr;
+    IOLog(none);
+    Korvex::IOPrint(none);
+    EXPECT_THAT(logged(), MatchesRegex(stamp + " : \n"));
+    EXPECT_EQ(Korvex::IOLogClose(), 0);
+    EXPECT_EQ(Korvex::IOLogOpen(none, appending, none, none), 1);
+    EXPECT_THAT(contentsOf("logfile.log"), MatchesRegex(stamp + " : has been loaded.\n"));
+    std::filesystem::remove("logfile.log");
+}
+
+TEST_F(Log, WhatCannotBeWrittenIsLostAndErrnoStays) {
+    for (const char* path : {"/dev/full", "/dev/null"}) {
+        __kx_glog.fd = open(path, O_RDWR | O_CLOEXEC);
+        errno = 77;
+        IOLog("%f %s", 1.5, "lost");
+        Korvex::IOPrint("lost");
+        EXPECT_EQ(errno, 77);
+        close(__kx_glog.fd);
+    }
+    IOLog("to a descriptor that is closed");
+    EXPECT_EQ(errno, 77);
+    __kx_glog.fd = -1;
+    IOLog("to none");
+    EXPECT_EQ(errno, 77);
+}
+
+TEST_F(Log, ManyThreadsLeaveWholeLines) {
+    constexpr int threads = 4;
+    constexpr int lines = 500;
+    Korvex::IOLogOpen(file.name.c_str(), appending, "title", nullptr);
+    std::vector<std::thread> running;
+    for (int i = 0; i < threads; ++i)
+        running.emplace_back([i] {
+            for (int line = 0; line < lines; ++line)
+                IOLog("%d %s", i, std::string(100, static_cast<char>('a' + i)).c_str());
+        });
+    for (std::thread& thread : running)
+        thread.join();
+    std::vector<int> counts(threads);
+    for (const std::string& line : linesOf(file.name)) {
+        const auto at = line.find(" title: ");
+        ASSERT_EQ(at, 15U) << line;
+        const std::string text = line.substr(at + 8);
+        if (text == "has been loaded.")
+            continue;
+        const int i = text[0] - '0';
+        ASSERT_EQ(text, std::to_string(i) + ' ' + std::string(100, static_cast<char>('a' + i)));
+        ++counts[static_cast<std::size_t>(i)];
+    }
+    EXPECT_THAT(counts, testing::Each(lines));
+}
