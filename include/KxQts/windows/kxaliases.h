@@ -36,3 +36,7 @@
 #define SetFileAttributes KXQTS_ALIAS(SetFileAttributes)
 #define ShellExecute KXQTS_ALIAS(ShellExecute)
 #define WritePrivateProfileString KXQTS_ALIAS(WritePrivateProfileString)
+
+// Structures that hold text of one form or the other
+#define STARTUPINFO KXQTS_ALIAS(STARTUPINFO)
+#define LPSTARTUPINFO KXQTS_ALIAS(LPSTARTUPINFO)
