@@ -192,7 +192,8 @@ TYPED_TEST(CrtMakePath, TheDotBehindAFileNameNeedsRoomEvenWithoutExtension) {
 TYPED_TEST(CrtMakePath, TheCheckedFormNeedsMemoryForAsManyCharactersAsItsSize) {
     using Char = typename TypeParam::Char;
     Marked<Char, 4> buffer;
-    for (const size_t size : {SIZE_MAX, SIZE_MAX / sizeof(Char), SIZE_MAX / sizeof(Char) / 2})
+    for (const size_t size : {SIZE_MAX, SIZE_MAX / sizeof(Char), PTRDIFF_MAX / sizeof(Char),
+                              PTRDIFF_MAX / sizeof(Char) - 1, PTRDIFF_MAX / sizeof(Char) - 16})
         EXPECT_EQ(this->makeInto(buffer.text, size, {{}, {}, "f", {}}), 12) << size;
     EXPECT_EQ(buffer.bytes(), "####");
 }

@@ -84,6 +84,12 @@ TEST(StartupText, AProgramWithNeitherMainNorWmainDoesNotLink) {
     EXPECT_THAT(result.errors, HasSubstr("wmain()"));
 }
 
+TEST(WindowsHelpers, AreErrnoAndASleepThatLeavesItAloneAndMayBeForEver) {
+    const ProgramResult result = run("helpers", {});
+    EXPECT_EQ(result.output, "[25][4294967295][4294967295]");
+    EXPECT_EQ(result.status, status);
+}
+
 class WindowsSource : public Startup {};
 
 TEST_P(WindowsSource, RunsWithEightBitText) {

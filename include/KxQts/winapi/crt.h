@@ -117,8 +117,8 @@ KXQTS_C_API wchar_t* _wgetenv(const wchar_t* name);
 KXQTS_C_API wchar_t* _wctime(const time_t* timer);
 
 /// Tells the local date and time, to the second: `wMilliseconds` is always 0.
-/// \param time Null is filled with nothing.
-KXQTS_C_API void GetLocalTime(LPSYSTEMTIME time);
+/// \param lpSystemTime Null is filled with nothing.
+KXQTS_C_API void GetLocalTime(LPSYSTEMTIME lpSystemTime);
 
 /// Writes the local date, "month/day/year" with two digits each, and a terminator: 9 characters.
 /// \return \a dst; null when that is null.
