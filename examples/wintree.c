@@ -51,15 +51,14 @@ static BOOL with_files(const char* tree, const char* other, FileAction action) {
     return good;
 }
 
-static BOOL make_folders(const char* tree) {
+/* There may be some already; where a folder is missing in the end, its files cannot be made. */
+static void make_folders(const char* tree) {
     char path[MAX_PATH];
     size_t i;
     for (i = 0; i < COUNT_OF(folders); ++i) {
         join(path, tree, folders[i]);
-        if (!CreateDirectory(path, NULL) && GetFileAttributes(path) == INVALID_FILE_ATTRIBUTES)
-            return report("make the folder", path);
+        CreateDirectory(path, NULL);
     }
-    return TRUE;
 }
 
 static BOOL remove_folders(const char* tree) {
@@ -151,8 +150,10 @@ static BOOL remove_file(const char* path, const char* ignored) {
 }
 
 static BOOL with_one_tree(const char* command, const char* tree) {
-    if (strcmp(command, "make") == 0)
-        return make_folders(tree) && with_files(tree, NULL, make_file);
+    if (strcmp(command, "make") == 0) {
+        make_folders(tree);
+        return with_files(tree, NULL, make_file);
+    }
     if (strcmp(command, "show") == 0)
         return with_files(tree, NULL, show_file) && show_counts(tree);
     if (strcmp(command, "protect") == 0)
@@ -165,10 +166,11 @@ static BOOL with_one_tree(const char* command, const char* tree) {
 }
 
 static BOOL with_two_trees(const char* command, const char* tree, const char* other) {
+    make_folders(other);
     if (strcmp(command, "copy") == 0)
-        return make_folders(other) && with_files(tree, other, copy_file);
+        return with_files(tree, other, copy_file);
     if (strcmp(command, "move") == 0)
-        return make_folders(other) && with_files(tree, other, move_file);
+        return with_files(tree, other, move_file);
     return FALSE;
 }
 

@@ -1,5 +1,6 @@
 #include "files/folder.h"
 #include "files/search.h"
+#include "handles/addresses.h"
 
 #include <KxQts/files/find.h>
 #include <KxQts/winapi/files.h>
@@ -251,6 +252,7 @@ TEST_F(Find, OnlyItsOwnCallClosesASearch) {
     makeFile("a.txt");
     makeFile("b.txt");
     HANDLE search = FindFirstFileA("*.txt", nullptr);
+    EXPECT_FALSE(Korvex::HandleAddresses::mayBeObject(search)) << "nothing is read through it";
     errno = 77;
     EXPECT_FALSE(CloseHandle(search));
     EXPECT_EQ(errno, 22);

@@ -300,6 +300,7 @@ TEST_F(MoveElsewhere, RefusesAFolderAndLeavesItAndTheTarget) {
     makeFile("inner/a", "text");
     makeFile("disk/b", "kept");
     EXPECT_FALSE(MoveFileA("inner", "disk/inner"));
+    EXPECT_EQ(errno, EXDEV);
     EXPECT_FALSE(MoveFileA("inner", "disk/b"));
     EXPECT_EQ(contentsOf("inner/a"), "text");
     EXPECT_EQ(contentsOf("disk/b"), "kept");
