@@ -140,6 +140,7 @@ bool FilePreferences::synchronize(const PreferenceDomain& domain) {
 }
 
 bool FilePreferences::read(const PreferenceDomain& domain, const Reader& reader) {
+    const TerminationDeferred untilDone;
     const ErrorNumberKept meanwhile;
     try {
         return known(domain).read(reader);
@@ -149,6 +150,7 @@ bool FilePreferences::read(const PreferenceDomain& domain, const Reader& reader)
 }
 
 bool FilePreferences::change(const PreferenceDomain& domain, const Changer& changer) {
+    const TerminationDeferred untilDone; // a call that opens a file may have opened it and yet end
     const ErrorNumberKept meanwhile;
     try {
         return known(domain).change(changer);
