@@ -171,7 +171,7 @@ Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
 }
 
 CFNumberType CFNumberGetType(CFNumberRef number) {
-    return number ? number->numberType : kCFNumberSInt8Type;
+    return number ? number->numberType : CFNumberType(kCFNumberSInt8Type);
 }
 
 Boolean CFNumberIsFloatType(CFNumberRef number) {
