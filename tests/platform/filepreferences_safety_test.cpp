@@ -1,6 +1,7 @@
 #include "platform/linux/filepreferences.h"
 
 #include "common/objects.h"
+#include "common/termination.h"
 
 #include <gtest/gtest.h>
 
@@ -324,6 +325,7 @@ TEST_F(PreferenceSafety, AThreadThatIsTerminatedLeavesTheDomainUsable) {
     for (int round = 0; round < 60; ++round) {
         const int before = written;
         std::thread writer([&] {
+            const TerminatedThread ends;
             for (int i = 0;; ++i) {
                 if (storage.setValue(domain, u"value", number(i).get()))
                     ++written;

@@ -143,3 +143,31 @@ TEST(PropertyListInterop, WhatPlistutilWritesIsRead) {
     const Object accent = text(QStringLiteral("\u00e9"));
     EXPECT_TRUE(same(valueOf(*read, "a"), array({&seven, &accent})));
 }
+
+TEST(PropertyListInterop, ThePublishedCallsReadAndWriteBytes) {
+    const Object one = number(1);
+    const Object made = dictionary({{"a", &one}});
+    CFErrorRef error = reinterpret_cast<CFErrorRef>(&error);
+    const Object bytes(
+        CFPropertyListCreateData(nullptr, made.get(), kCFPropertyListBinaryFormat_v1_0, 0, &error));
+    ASSERT_TRUE(bytes);
+    EXPECT_EQ(error, nullptr);
+    CFPropertyListFormat format = 0;
+    const auto* data = static_cast<CFDataRef>(bytes.get());
+    EXPECT_TRUE(
+        same(Object(CFPropertyListCreateWithData(nullptr, data, 0, &format, &error)), made));
+    EXPECT_EQ(format, kCFPropertyListBinaryFormat_v1_0);
+    const Object xml = KxTest::data("<plist version=\"1.0\"><dict><key>a</key><integer>1</integer>"
+                                    "</dict></plist>");
+    EXPECT_TRUE(same(Object(CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(xml.get()),
+                                                         0, &format, nullptr)),
+                     made));
+    EXPECT_EQ(format, kCFPropertyListXMLFormat_v1_0);
+    EXPECT_EQ(CFPropertyListCreateWithData(nullptr, nullptr, 0, nullptr, nullptr), nullptr);
+    EXPECT_EQ(
+        CFPropertyListCreateData(nullptr, one.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr),
+        nullptr);
+    EXPECT_EQ(
+        CFPropertyListCreateData(nullptr, made.get(), kCFPropertyListXMLFormat_v1_0, 0, nullptr),
+        nullptr);
+}
