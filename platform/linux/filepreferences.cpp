@@ -99,12 +99,16 @@ private:
     }
 
     bool store(const DomainLock& everyone, Document& changed) KXQTS_REQUIRES(state) {
-        return changed.write([&](ByteView head, ByteView tail) KXQTS_REQUIRES(state) {
-            const std::optional<FileIdentity> stored = everyone.replace(identity, head, tail, safe);
-            identity = stored.value_or(FileIdentity());
-            isSettled = true;
-            return stored.has_value();
-        });
+        const FileIdentity old = identity;
+        std::optional<FileIdentity> stored;
+        if (!changed.write([&](ByteView head, ByteView tail) {
+                stored = everyone.replace(old, head, tail, safe);
+                return stored.has_value();
+            }))
+            return false;
+        identity = *stored;
+        isSettled = true;
+        return true;
     }
 
     const DomainFile file;
