@@ -13,7 +13,6 @@
 using Korvex::Lock;
 using Korvex::LockGuard;
 using Korvex::PreferenceDomain;
-using Korvex::Preferences;
 using Korvex::systemPreferences;
 using Korvex::Cf::Owned;
 using Korvex::PropertyList::Editor;

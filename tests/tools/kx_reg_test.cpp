@@ -211,3 +211,18 @@ TEST_F(KxReg, TheShellIsOfferedActionsAndKeys) {
     EXPECT_EQ(offered({"export-ini", ""}), "app.ini\n");
     EXPECT_EQ(offered({"import-ini", ""}), "") << "the shell's own files";
 }
+
+TEST_F(KxReg, TheRootMayBeARelativeFolderAndTheHomeMissing) {
+    const auto runIn = [](const KxTest::Environment& environment,
+                          const std::vector<std::string>& words) {
+        std::vector<std::string> all{KX_PROGRAM, "reg"};
+        all.insert(all.end(), words.begin(), words.end());
+        return KxTest::runProgram(all, environment);
+    };
+    EXPECT_EQ(runIn({{"KXQTS_ROOT", "sub"}}, {"set", "HKLM/A", "v", "1"}).status, 0);
+    EXPECT_TRUE(std::filesystem::exists("sub/Library/Preferences/com.korvex.registry.plist"));
+    EXPECT_EQ(output({"list", "HKLM"}), "HKLM/\n");
+    // Reading only: the account's own folder is nothing to write to.
+    EXPECT_EQ(runIn({{"HOME", ""}}, {"list", "HKCU"}).output.substr(0, 5), "HKCU/");
+    std::filesystem::remove_all("sub");
+}
