@@ -68,8 +68,9 @@ unsigned read(const QString& appId, const QString& section, const QString& name,
     }
     QByteArray units;
     const unsigned error = regQueryValueEx(key.handle, name, nullptr, nullptr, units);
+    // The blank behind a value makes a character of an odd last byte, which data may have.
     if (error == ERROR_SUCCESS)
-        result = textOf(units);
+        result = textOf(units + unitsOf(QStringLiteral(" ")));
     return error;
 }
 

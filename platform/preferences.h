@@ -51,7 +51,8 @@ public:
     virtual bool read(const PreferenceDomain& domain, const Reader& reader) = 0;
 
     /// Changes a domain and stores it. \param changer Is called with nobody else changing the
-    /// domain meanwhile, unless that cannot be; a false result gives the change up.
+    /// domain meanwhile, unless that cannot be; a false result gives the change up. It must not
+    /// change the same domain itself: it would wait for itself.
     /// \return Whether the new state is stored. The stored one is as it was otherwise: what is
     /// damaged, may not be read or written or has no room is left alone.
     [[nodiscard]] virtual bool change(const PreferenceDomain& domain, const Changer& changer) = 0;

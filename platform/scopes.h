@@ -6,7 +6,7 @@
 namespace Korvex {
 
 /// Keeps the thread from being terminated while it lives: in a destructor, which no thread may be
-/// unwound from, around what would end a thread that somebody wants to end.
+/// unwound from, and around what is better finished than undone.
 class TerminationDeferred {
 public:
     TerminationDeferred() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before); }

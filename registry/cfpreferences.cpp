@@ -13,7 +13,6 @@
 using Korvex::Lock;
 using Korvex::LockGuard;
 using Korvex::PreferenceDomain;
-using Korvex::Preferences;
 using Korvex::systemPreferences;
 using Korvex::Cf::Owned;
 using Korvex::PropertyList::Editor;
@@ -85,7 +84,7 @@ void note(const std::optional<PreferenceDomain>& domain, CFStringRef key, CFType
     if (!domain || !key)
         return;
     const LockGuard guard(state().lock);
-    const std::shared_ptr<const void> kept(CFRetain(value), CFRelease);
+    const std::shared_ptr<const void> kept(CFRetain(value), Korvex::Cf::Releaser());
     state().noted[*domain].insert(Korvex::Cf::text(key), kept);
 }
 

@@ -21,6 +21,7 @@
 #include <KxQts/corefoundation/base.h>
 #include <KxQts/corefoundation/dictionary.h>
 #include <KxQts/corefoundation/preferences.h>
+#include <KxQts/corefoundation/propertylist.h>
 #include <KxQts/corefoundation/scalars.h>
 #include <KxQts/corefoundation/string.h>
 #include <KxQts/corefoundation/url.h>

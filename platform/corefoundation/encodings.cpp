@@ -1,6 +1,7 @@
 #include "platform/corefoundation/encodings.h"
 
 #include "platform/corefoundation/string.h"
+#include "platform/scopes.h"
 
 #include <QStringConverter>
 
@@ -72,6 +73,7 @@ std::optional<QByteArray> toUtf8(const QString& text) {
 }
 
 CFStringEncoding encodingOfLocale() {
+    const Korvex::ErrorNumberKept meanwhile;
     locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
     if (!locale)
         return kCFStringEncodingMacRoman;

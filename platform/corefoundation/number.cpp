@@ -43,7 +43,7 @@ T load(const void* value) {
 bool loadInto(__CFNumber& number, const void* value) {
     switch (number.numberType) {
     case kCFNumberSInt8Type:
-        number.low = load<std::int8_t>(value);
+        number.low = std::int64_t{load<std::int8_t>(value)}; // with its sign
         break;
     case kCFNumberSInt16Type:
         number.low = load<std::int16_t>(value);
@@ -171,7 +171,7 @@ Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
 }
 
 CFNumberType CFNumberGetType(CFNumberRef number) {
-    return number ? number->numberType : kCFNumberSInt8Type;
+    return number ? number->numberType : CFNumberType(kCFNumberSInt8Type);
 }
 
 Boolean CFNumberIsFloatType(CFNumberRef number) {

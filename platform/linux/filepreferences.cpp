@@ -99,12 +99,16 @@ private:
     }
 
     bool store(const DomainLock& everyone, Document& changed) KXQTS_REQUIRES(state) {
-        return changed.write([&](ByteView head, ByteView tail) KXQTS_REQUIRES(state) {
-            const std::optional<FileIdentity> stored = everyone.replace(identity, head, tail, safe);
-            identity = stored.value_or(FileIdentity());
-            isSettled = true;
-            return stored.has_value();
-        });
+        const FileIdentity old = identity;
+        std::optional<FileIdentity> stored;
+        if (!changed.write([&](ByteView head, ByteView tail) {
+                stored = everyone.replace(old, head, tail, safe);
+                return stored.has_value();
+            }))
+            return false;
+        identity = *stored;
+        isSettled = true;
+        return true;
     }
 
     const DomainFile file;
@@ -140,6 +144,7 @@ bool FilePreferences::synchronize(const PreferenceDomain& domain) {
 }
 
 bool FilePreferences::read(const PreferenceDomain& domain, const Reader& reader) {
+    const TerminationDeferred untilDone;
     const ErrorNumberKept meanwhile;
     try {
         return known(domain).read(reader);
@@ -149,6 +154,7 @@ bool FilePreferences::read(const PreferenceDomain& domain, const Reader& reader)
 }
 
 bool FilePreferences::change(const PreferenceDomain& domain, const Changer& changer) {
+    const TerminationDeferred untilDone; // a call that opens a file may have opened it and yet end
     const ErrorNumberKept meanwhile;
     try {
         return known(domain).change(changer);

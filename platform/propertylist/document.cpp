@@ -66,10 +66,16 @@ bool Document::put(Node dictionary, QStringView name, Node value) {
     changed = true;
     Container& in = objects.container(dictionary);
     const std::uint32_t place = objects.find(in, name);
-    if (place == none)
-        return objects.append(dictionary, objects.addText(name), value);
-    objects.replace(in, place, value);
-    return true;
+    if (place != none) {
+        objects.replace(in, place, value);
+        return true;
+    }
+    const Node key = objects.addText(name);
+    if (objects.append(dictionary, key, value))
+        return true;
+    objects.discard(key);
+    objects.discard(value);
+    return false;
 }
 
 Node Document::makeDictionary(Node dictionary, QStringView name) {

@@ -5,37 +5,24 @@
 // Visible whatever the compiler's default is: the sanitizers look these up by name at run time.
 #pragma GCC visibility push(default)
 
-// The sanitizers' own library looks for these in the program.
-#define FOUND_BY_SANITIZER __attribute__((visibility("default")))
-
 extern "C" {
 
-<<<<<<< HEAD
-FOUND_BY_SANITIZER const char* __asan_default_options() {
-    return "detect_stack_use_after_return=1:check_initialization_order=1:strict_init_order=1";
-=======
 const char* __asan_default_options() {
     return "detect_stack_use_after_return=1:check_initialization_order=1:strict_init_order=1:"
            "allocator_may_return_null=1";
->>>>>>> crt
 }
 
-FOUND_BY_SANITIZER const char* __ubsan_default_options() {
+const char* __ubsan_default_options() {
     return "print_stacktrace=1";
 }
 
-FOUND_BY_SANITIZER const char* __lsan_default_options() {
+const char* __lsan_default_options() {
     return "suppressions=" KXQTS_SUPPRESSIONS "/lsan.supp:print_suppressions=0";
 }
 
-<<<<<<< HEAD
-FOUND_BY_SANITIZER const char* __tsan_default_options() {
-    return "suppressions=" KXQTS_SUPPRESSIONS "/tsan.supp:print_suppressions=0";
-=======
 const char* __tsan_default_options() {
     return "suppressions=" KXQTS_SUPPRESSIONS
            "/tsan.supp:print_suppressions=0:allocator_may_return_null=1";
->>>>>>> crt
 }
 
 } // extern "C"

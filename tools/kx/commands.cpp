@@ -7,11 +7,13 @@ namespace Kx {
 
 // A subcommand is defined in the file of its name, and has one line here and one in the table.
 extern const Command mutexes;
+extern const Command reg;
 
 namespace {
 
 constexpr std::array table{
     &mutexes,
+    &reg,
 };
 
 } // namespace

@@ -47,11 +47,9 @@ static inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
     return range;
 }
 
-typedef enum CFComparisonResult {
-    kCFCompareLessThan = -1,
-    kCFCompareEqualTo = 0,
-    kCFCompareGreaterThan = 1
-} CFComparisonResult;
+typedef CFIndex CFComparisonResult;
+
+enum { kCFCompareLessThan = -1, kCFCompareEqualTo = 0, kCFCompareGreaterThan = 1 };
 
 /// The default allocator, null.
 KXQTS_C_API const CFAllocatorRef kCFAllocatorDefault;

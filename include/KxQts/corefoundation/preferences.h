@@ -8,7 +8,7 @@
 ///
 /// Setting only notes a value; synchronising writes what was noted, in one step against other
 /// threads and processes. What could not be written is forgotten. Reading sees what was noted, and
-/// else what any process wrote last. \par Threads Any thread may call these.
+/// else what any process wrote last. Any thread may call these.
 #pragma once
 
 #include <KxQts/corefoundation/base.h>

@@ -4,7 +4,9 @@
 
 #include <KxQts/corefoundation/base.h>
 
-typedef enum CFNumberType {
+typedef CFIndex CFNumberType;
+
+enum {
     kCFNumberSInt8Type = 1,
     kCFNumberSInt16Type = 2,
     kCFNumberSInt32Type = 3,
@@ -19,7 +21,7 @@ typedef enum CFNumberType {
     kCFNumberFloatType = 12,
     kCFNumberDoubleType = 13,
     kCFNumberCFIndexType = 14
-} CFNumberType;
+};
 
 KXQTS_C_API CFTypeID CFNumberGetTypeID(void);
 

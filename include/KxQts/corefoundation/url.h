@@ -4,11 +4,9 @@
 
 #include <KxQts/corefoundation/base.h>
 
-typedef enum CFURLPathStyle {
-    kCFURLPOSIXPathStyle = 0,
-    kCFURLHFSPathStyle = 1,
-    kCFURLWindowsPathStyle = 2
-} CFURLPathStyle;
+typedef CFIndex CFURLPathStyle;
+
+enum { kCFURLPOSIXPathStyle = 0, kCFURLHFSPathStyle = 1, kCFURLWindowsPathStyle = 2 };
 
 KXQTS_C_API CFTypeID CFURLGetTypeID(void);
 

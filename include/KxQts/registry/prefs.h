@@ -95,7 +95,7 @@ public:
     /// Writes a value of the key by its name.
     /// \param type 1: \a data are UTF-16 code units, an odd byte at the end is dropped; 3: data; 4:
     /// the first 4 bytes of \a data are a number; 11: 8 bytes, which are stored as data. Others are
-    /// refused.
+    /// refused. **The empty name stands for the key itself**: what was in the key is replaced.
     bool setValue(const QString& name, unsigned type, const QByteArray& data);
 
     /// \name Values of one type, by their path

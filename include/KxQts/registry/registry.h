@@ -6,11 +6,13 @@
 ///
 /// Results are 0, or one of 6 (no such handle), 160 (no place for the result) and 1010 for
 /// everything else: a key or value that is not there, the end of an enumeration, a store that
-/// cannot be read or written. `errno` is left alone. \par Keys `HKEY_CURRENT_USER` is the current
-/// user's scope of the domain "com.korvex.registry". `HKEY_LOCAL_MACHINE` is the machine's scope of
-/// the domain that \a appId names, or of "com.korvex.registry" when that is empty. All other
-/// predefined keys give 1010. \par Threads Any thread may use a key that another one opened, and
-/// several may at once.
+/// cannot be read or written. `errno` is left alone.
+///
+/// `HKEY_CURRENT_USER` is the current user's scope of the domain "com.korvex.registry".
+/// `HKEY_LOCAL_MACHINE` is the machine's scope of the domain that \a appId names, or of
+/// "com.korvex.registry" when that is empty. All other predefined keys give 1010.
+///
+/// Any thread may use a key that another one opened, and several may at once.
 #pragma once
 
 #include <KxQts/export.h>

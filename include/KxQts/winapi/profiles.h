@@ -22,14 +22,15 @@
 /// \param lpReturnedString Receives the value, without white space at its ends.
 /// \param nSize Characters that \a lpReturnedString has room for. **For a list one more** must be
 /// there.
-/// \return How many characters were stored, the terminator not counted:
-/// | the text has             | stored                                              | result |
-/// |--------------------------|-----------------------------------------------------|--------------|
-/// | no character             | nothing, not even a terminator                      | 0 | | fewer
-/// than \a nSize      | the text and a terminator                           | its length   | |
-/// more, a list             | nSize − 3 characters and a terminator, zeros in the places nSize − 1
-/// and nSize | nSize − 2 | | more, a single value     | nSize − 2 characters, zeros in the places
-/// nSize − 2 and nSize − 1 | nSize − 1 |
+/// \return How many characters were stored, the terminator not counted.
+///
+/// What is stored depends on the length of the text:
+/// - No character: nothing, not even a terminator, and the result is 0.
+/// - Fewer than \a nSize: the text and a terminator. The result is its length.
+/// - More, and a list: nSize − 3 characters and a terminator, and zeros in the places nSize − 1 and
+///   nSize, counted from 0. The result is nSize − 2.
+/// - More, and a single value: nSize − 2 characters, and zeros in the places nSize − 2 and
+///   nSize − 1. The result is nSize − 1.
 ///
 /// A list is told by \a lpAppName or \a lpKeyName being null. A zero byte in the text ends what is
 /// copied, not what is counted. Into fewer than 3 characters nothing is written past \a nSize, and
@@ -37,13 +38,11 @@
 KXQTS_C_API DWORD GetPrivateProfileStringA(LPCSTR lpAppName, LPCSTR lpKeyName, LPCSTR lpDefault,
                                            LPSTR lpReturnedString, DWORD nSize, LPCSTR lpFileName);
 
-/// The same in wide characters, with these differences:
-/// | the text has             | stored                                              | result |
-/// |--------------------------|-----------------------------------------------------|--------------|
-/// | fewer than \a nSize      | the text, **no terminator**                         | its length |
-/// | more, a list             | nSize − 2 characters, zeros in the places nSize − 1 and nSize |
-/// nSize − 2 | | more, a single value     | nSize − 1 characters, **no terminator**             |
-/// nSize − 1    |
+/// The same in wide characters, stored in another way:
+/// - Fewer than \a nSize: the text, **no terminator**. The result is its length.
+/// - More, and a list: nSize − 2 characters, and zeros in the places nSize − 1 and nSize.
+///   The result is nSize − 2.
+/// - More, and a single value: nSize − 1 characters, **no terminator**. The result is nSize − 1.
 KXQTS_C_API DWORD GetPrivateProfileStringW(LPCWSTR lpAppName, LPCWSTR lpKeyName, LPCWSTR lpDefault,
                                            LPWSTR lpReturnedString, DWORD nSize,
                                            LPCWSTR lpFileName);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <KxQts/export.h>
+#include <KxQts/winapi/errors.h>
 #include <KxQts/winapi/types.h>
 
 /// \name Predefined keys
@@ -53,11 +54,6 @@
 #define KEY_WRITE 0x20006u
 #define KEY_EXECUTE 0x20019u
 #define KEY_ALL_ACCESS 0xF003Fu
-
-#define ERROR_SUCCESS 0
-#define ERROR_INVALID_HANDLE 6
-#define ERROR_BAD_ARGUMENTS 160
-#define ERROR_BADKEY 1010
 
 /// Closes a key that was opened or created.
 ///
