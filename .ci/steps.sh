@@ -3,6 +3,10 @@
 set -euo pipefail
 export LC_ALL=C.UTF-8
 jobs=$(nproc)
+# Whoever has a compiler cache elsewhere keeps it; else nothing is written outside the build folder.
+export CCACHE_DIR=${CCACHE_DIR:-$PWD/build/ccache}
+export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$PWD}
+mkdir -p build
 
 heading() {
     printf '\n== %s\n' "$*"
@@ -38,13 +42,11 @@ install_packages() {
 configure() {
     local log
     heading "configuring $1"
-    log=$(mktemp)
+    log=build/configure-$1.log
     if ! cmake --preset "$@" >"$log" 2>&1; then
         cat "$log"
-        rm -f "$log"
         return 1
     fi
-    rm -f "$log"
 }
 
 # Builds targets of a preset, all of them without a name: build PRESET [TARGET...]

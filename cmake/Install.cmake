@@ -3,22 +3,11 @@
 
 include(CMakePackageConfigHelpers)
 
-set(KXQTS_LIBDIR lib/Korvex)
 set(KXQTS_PACKAGEDIR lib/cmake/KxQts)
 set(KXQTS_TEMPLATES ${CMAKE_CURRENT_LIST_DIR})
 
-# Everything that is installed, as one target.
-add_custom_target(kxqts_installed DEPENDS KxQts)
-set(KXQTS_EXPORTED KxQts kxqts_windows)
-set(KXQTS_STARTUP "")
-if(TARGET kxmain)
-    add_dependencies(kxqts_installed kxmain)
-    list(APPEND KXQTS_EXPORTED kxmain)
-    set(KXQTS_STARTUP -lkxmain)
-endif()
-
 install(
-    TARGETS ${KXQTS_EXPORTED}
+    TARGETS KxQts kxqts_windows kxmain
     EXPORT KxQtsTargets
     LIBRARY DESTINATION ${KXQTS_LIBDIR}
     ARCHIVE DESTINATION ${KXQTS_LIBDIR})

@@ -1,5 +1,7 @@
 # libKxQts.so, as the build tree has it. Install.cmake says what becomes of it on installation.
 
+set(KXQTS_LIBDIR lib/Korvex) # below the prefix
+
 add_library(KxQts SHARED $<TARGET_OBJECTS:kxqts_objects>)
 add_library(KxQts::KxQts ALIAS KxQts)
 # Installed clients get Qt's modules from the package's own search for Qt, so that programs in C need
@@ -32,7 +34,7 @@ set_target_properties(kxqts_windows PROPERTIES EXPORT_NAME Windows)
 target_include_directories(
     kxqts_windows INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include/KxQts/windows>
                             $<INSTALL_INTERFACE:include/KxQts/windows>)
-target_link_libraries(kxqts_windows INTERFACE KxQts)
-if(TARGET kxmain)
-    target_link_libraries(kxqts_windows INTERFACE kxmain)
-endif()
+target_link_libraries(kxqts_windows INTERFACE KxQts kxmain)
+
+# Everything that is installed, as one target. Who installs something more adds it here.
+add_custom_target(kxqts_installed DEPENDS KxQts kxmain)
