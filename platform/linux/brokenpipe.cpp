@@ -1,6 +1,7 @@
 #include "platform/brokenpipe.h"
 
-#include <cerrno>
+#include "platform/scopes.h"
+
 #include <ctime>
 
 namespace Korvex {
@@ -29,14 +30,14 @@ BrokenPipeGuard::BrokenPipeGuard() : wasPending(isPending()) {
 }
 
 BrokenPipeGuard::~BrokenPipeGuard() {
-    const int error = errno;
+    const TerminationDeferred untilConsumed;
+    const ErrorNumberKept untilThen;
     if (!wasPending && isPending()) {
         const sigset_t set = onlyBrokenPipe();
         const timespec atOnce{};
         sigtimedwait(&set, nullptr, &atOnce);
     }
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
-    errno = error;
 }
 
 } // namespace Korvex
