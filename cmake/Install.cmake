@@ -9,6 +9,9 @@ set(KXQTS_TEMPLATES ${CMAKE_CURRENT_LIST_DIR})
 
 # Everything that is installed, as one target.
 add_custom_target(kxqts_installed DEPENDS KxQts)
+if(TARGET kxqtsd)
+    add_dependencies(kxqts_installed kxqtsd)
+endif()
 set(KXQTS_EXPORTED KxQts kxqts_windows)
 set(KXQTS_STARTUP "")
 if(TARGET kxmain)

@@ -16,6 +16,7 @@
 #define CreateDirectory KXQTS_ALIAS(CreateDirectory)
 #define CreateEvent KXQTS_ALIAS(CreateEvent)
 #define CreateFile KXQTS_ALIAS(CreateFile)
+#define CreateProcess KXQTS_ALIAS(CreateProcess)
 #define DeleteFile KXQTS_ALIAS(DeleteFile)
 #define FindFirstFile KXQTS_ALIAS(FindFirstFile)
 #define GetFileAttributes KXQTS_ALIAS(GetFileAttributes)
@@ -28,3 +29,7 @@
 #define MoveFile KXQTS_ALIAS(MoveFile)
 #define RemoveDirectory KXQTS_ALIAS(RemoveDirectory)
 #define SetFileAttributes KXQTS_ALIAS(SetFileAttributes)
+#define ShellExecute KXQTS_ALIAS(ShellExecute)
+
+#define STARTUPINFO KXQTS_ALIAS(STARTUPINFO)
+#define LPSTARTUPINFO KXQTS_ALIAS(LPSTARTUPINFO)
