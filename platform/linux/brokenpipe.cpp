@@ -15,28 +15,32 @@ sigset_t onlyBrokenPipe() {
     return set;
 }
 
-bool isPending() {
+/// Takes the signal if it waits for this thread.
+void consume() {
     sigset_t pending;
     sigemptyset(&pending);
     sigpending(&pending);
-    return sigismember(&pending, SIGPIPE) == 1;
+    if (sigismember(&pending, SIGPIPE) != 1)
+        return;
+    const sigset_t set = onlyBrokenPipe();
+    const timespec atOnce{};
+    sigtimedwait(&set, nullptr, &atOnce);
 }
 
 } // namespace
 
-BrokenPipeGuard::BrokenPipeGuard() : wasPending(isPending()) {
+BrokenPipeGuard::BrokenPipeGuard() {
     const sigset_t set = onlyBrokenPipe();
     pthread_sigmask(SIG_BLOCK, &set, &previous);
 }
 
 BrokenPipeGuard::~BrokenPipeGuard() {
+    // Where the program itself blocks the signal, one that waits may be its own.
+    if (sigismember(&previous, SIGPIPE) == 1)
+        return;
     const TerminationDeferred untilConsumed;
     const ErrorNumberKept untilThen;
-    if (!wasPending && isPending()) {
-        const sigset_t set = onlyBrokenPipe();
-        const timespec atOnce{};
-        sigtimedwait(&set, nullptr, &atOnce);
-    }
+    consume();
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 

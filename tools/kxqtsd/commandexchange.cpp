@@ -38,13 +38,20 @@ std::string CommandExchange::refuse(const std::string& received, unsigned status
     return response(codeOf(received), status);
 }
 
+std::optional<std::string> commandLineIn(const std::string& request) {
+    const std::size_t end = request.find('\0', textOffset);
+    // A text without an end was cut somewhere: part of a command line is another command line.
+    if (codeOf(request) != runCommandLine || end == std::string::npos)
+        return std::nullopt;
+    return request.substr(textOffset, end - textOffset);
+}
+
 void CommandExchange::answer(const std::string& request, Respond respond) {
     const unsigned code = codeOf(request);
-    const std::size_t length = request.find('\0', textOffset);
-    // A text without an end was cut somewhere: part of a command line is another command line.
-    if (code != runCommandLine || length == std::string::npos)
-        return respond(response(code, invalid));
-    run(request.substr(textOffset, length - textOffset), std::move(respond), code);
+    if (const std::optional<std::string> line = commandLineIn(request))
+        run(*line, std::move(respond), code);
+    else
+        respond(response(code, invalid));
 }
 
 void CommandExchange::run(const std::string& line, Respond respond, unsigned code) {

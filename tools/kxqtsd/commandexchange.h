@@ -6,8 +6,13 @@
 
 #include <list>
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace Kxqtsd {
+
+/// The command line that a whole request asks to run; nothing when it asks for anything else.
+std::optional<std::string> commandLineIn(const std::string& request);
 
 /// The command exchange: code 6 runs a command line and answers with what `system` would return.
 class CommandExchange : public Exchange {
