@@ -38,7 +38,7 @@ sockaddr_in loopback(unsigned short port) {
 int connectTo(unsigned short port) {
     const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const sockaddr_in address = loopback(port);
-    connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    (void)connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     return descriptor;
 }
 
@@ -47,7 +47,7 @@ int listenAt(unsigned short port) {
     const int on = 1;
     setsockopt(descriptor, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     const sockaddr_in address = loopback(port);
-    bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    (void)bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     listen(descriptor, 64);
     return descriptor;
 }

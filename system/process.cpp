@@ -95,8 +95,8 @@ bool createProcess(const QString&, QString& commandLine, SECURITY_ATTRIBUTES*, S
     if (!processInformation || !startupInfo)
         return false;
     *processInformation = {};
-    WProcess* process = started(
-        std::unique_ptr<WProcess>(new WProcess(environment, currentDirectory)), commandLine);
+    WProcess* process =
+        started(std::make_unique<WProcess>(environment, currentDirectory), commandLine);
     errno = process ? Error::None : Error::CannotStart;
     if (!process)
         return false;

@@ -13,7 +13,6 @@
 
 using KxTest::Connection;
 using KxTest::Peer;
-using KxTest::wordAt;
 using KxTest::words;
 
 namespace {

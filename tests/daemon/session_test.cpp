@@ -22,7 +22,6 @@
 
 using KxTest::Connection;
 using KxTest::Peer;
-using KxTest::wordAt;
 using KxTest::words;
 
 namespace {

@@ -220,7 +220,7 @@ TEST_F(Kxqtsd, ServesManyAtTheSameTime) {
     }
     // Every one of them is under way before any may end.
     EXPECT_TRUE(becomes([] { return fs::exists("peer-0") && fs::exists("peer-63"); }));
-    std::ofstream("go-on");
+    const std::ofstream sign("go-on");
     for (const RawConnection& connection : connections)
         EXPECT_EQ(connection.readToEnd(), words(6, 5 * 256));
 }
@@ -244,7 +244,7 @@ TEST_F(Kxqtsd, ACommandRunsOnWithoutItsClient) {
                                               here("done") + "'"));
         EXPECT_TRUE(becomes([] { return fs::exists("begun"); }));
     }
-    std::ofstream("left");
+    const std::ofstream sign("left");
     EXPECT_TRUE(becomes([] { return fs::exists("done"); }));
     EXPECT_EQ(runThroughDaemon("true"), 0);
 }

@@ -49,12 +49,12 @@ std::optional<std::string> commandLineIn(const std::string& request) {
 void CommandExchange::answer(const std::string& request, Respond respond) {
     const unsigned code = codeOf(request);
     if (const std::optional<std::string> line = commandLineIn(request))
-        run(*line, std::move(respond), code);
+        run(*line, respond, code);
     else
         respond(response(code, invalid));
 }
 
-void CommandExchange::run(const std::string& line, Respond respond, unsigned code) {
+void CommandExchange::run(const std::string& line, const Respond& respond, unsigned code) {
     const auto place = commands.emplace(commands.end());
     *place = std::make_unique<Command>(loop, commandTime, [this, place, respond, code](int status) {
         respond(response(code, static_cast<unsigned>(status)));

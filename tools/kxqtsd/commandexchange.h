@@ -27,7 +27,7 @@ public:
 private:
     using Commands = std::list<std::unique_ptr<Command>>;
 
-    void run(const std::string& line, Respond respond, unsigned code);
+    void run(const std::string& line, const Respond& respond, unsigned code);
     void remove(Commands::iterator command);
 
     Loop& loop;
