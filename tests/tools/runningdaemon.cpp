@@ -7,6 +7,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -23,6 +24,7 @@ RunningDaemon::RunningDaemon(std::vector<std::string> options) {
     EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
     process = fork();
     if (process == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM); // also when the test itself crashes
         dup2(ends[1], STDERR_FILENO);
         execv(arguments[0], arguments.data());
         _exit(127);
