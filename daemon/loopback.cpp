@@ -2,6 +2,7 @@
 
 #include "platform/brokenpipe.h"
 #include "platform/clock.h"
+#include "platform/scopes.h"
 
 #include <QHostAddress>
 #include <QNetworkProxy>
@@ -73,6 +74,8 @@ bool waitForData(QTcpSocket& socket, unsigned seconds) {
 void close(std::unique_ptr<QTcpSocket>& socket, unsigned ms) {
     if (!socket)
         return;
+    // Destructors come here too: no thread may be unwound from them.
+    const TerminationDeferred untilClosed;
     const BrokenPipeGuard guard;
     socket->disconnectFromHost();
     if (isIdle(*socket) || socket->waitForDisconnected(waitTime(ms)))

@@ -5,8 +5,8 @@
 namespace Korvex {
 
 /// Keeps the calling thread from being ended by `SIGPIPE` while it lives: writing to a peer that
-/// went away fails, nothing more. The thread's signal mask and pending signals are afterwards what
-/// they were.
+/// went away fails, nothing more. The thread's signal mask is afterwards what it was, and no such
+/// signal waits that did not wait before.
 class BrokenPipeGuard {
 public:
     BrokenPipeGuard();
@@ -17,7 +17,6 @@ public:
 
 private:
     sigset_t previous{};
-    bool wasPending = false;
 };
 
 } // namespace Korvex

@@ -34,7 +34,9 @@ private:
 
 /// \return Whether there was any.
 bool throwOutputAway(WProcess& process) {
-    return !process.readAllStandardOutput().isEmpty() | !process.readAllStandardError().isEmpty();
+    const QByteArray output = process.readAllStandardOutput();
+    const QByteArray errors = process.readAllStandardError();
+    return !output.isEmpty() || !errors.isEmpty();
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "handles/addresses.h"
 #include "handles/disposal.h"
+#include "platform/scopes.h"
 #include "system/processcare.h"
 #include "system/startable.h"
 
@@ -53,21 +54,18 @@ int WProcess::invoke(const QString& command) {
 }
 
 bool WProcess::wait(WProcess* process, unsigned int ms) {
-    const int error = errno;
-    const bool ended = ProcessCare::Visit(process).waitForEnd(static_cast<int>(ms));
-    errno = error;
-    return ended;
+    const Korvex::ErrorNumberKept untilReturned;
+    return ProcessCare::Visit(process).waitForEnd(static_cast<int>(ms));
 }
 
 BOOL WProcess::dispose(WProcess* process) {
     const LockGuard guard(sCritSect);
     if (!Korvex::isLive(sObjectList, process))
         return FALSE;
-    const int error = errno;
+    const Korvex::ErrorNumberKept untilReturned;
     const int left = --process->refCount;
     if (left == 0)
         ProcessCare::giveUp(*process);
-    errno = error;
     return left >= 0 ? TRUE : FALSE;
 }
 
@@ -97,8 +95,8 @@ bool createProcess(const QString&, QString& commandLine, SECURITY_ATTRIBUTES*, S
     if (!processInformation || !startupInfo)
         return false;
     *processInformation = {};
-    WProcess* process = started(
-        std::unique_ptr<WProcess>(new WProcess(environment, currentDirectory)), commandLine);
+    WProcess* process =
+        started(std::make_unique<WProcess>(environment, currentDirectory), commandLine);
     errno = process ? Error::None : Error::CannotStart;
     if (!process)
         return false;

@@ -2,6 +2,7 @@
 
 #include "handles/addresses.h"
 #include "handles/disposal.h"
+#include "platform/scopes.h"
 #include "system/childcollector.h"
 
 #include <QAbstractEventDispatcher>
@@ -97,6 +98,8 @@ void ProcessCare::handOver(WProcess& process) {
 }
 
 void ProcessCare::takeOver(WProcess& process) {
+    // What is done here is done whole, even if the thread is to be terminated.
+    const TerminationDeferred untilDone;
     if (isWatched(process))
         process.moveToThread(nullptr);
     // A child that has ended already is reaped here: no thread is needed then.
@@ -107,6 +110,7 @@ void ProcessCare::takeOver(WProcess& process) {
 }
 
 void ProcessCare::finish(WProcess& process) {
+    const TerminationDeferred untilDone;
     WProcess::sObjectList.remove(&process);
     process.stage = WProcess::Stage::Done;
     if (process.visitors == 0)

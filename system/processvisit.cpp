@@ -2,6 +2,7 @@
 
 #include "handles/disposal.h"
 #include "platform/childends.h"
+#include "platform/scopes.h"
 
 #include <QAbstractEventDispatcher>
 #include <QDeadlineTimer>
@@ -53,6 +54,7 @@ ProcessCare::Visit::Visit(WProcess* anything) {
 ProcessCare::Visit::~Visit() {
     if (!process)
         return;
+    const TerminationDeferred untilLeft;
     const LockGuard guard(WProcess::sCritSect);
     if (isDriver)
         process->isDriven = false;

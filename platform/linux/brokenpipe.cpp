@@ -1,6 +1,7 @@
 #include "platform/brokenpipe.h"
 
-#include <cerrno>
+#include "platform/scopes.h"
+
 #include <ctime>
 
 namespace Korvex {
@@ -14,29 +15,33 @@ sigset_t onlyBrokenPipe() {
     return set;
 }
 
-bool isPending() {
+/// Takes the signal if it waits for this thread.
+void consume() {
     sigset_t pending;
     sigemptyset(&pending);
     sigpending(&pending);
-    return sigismember(&pending, SIGPIPE) == 1;
+    if (sigismember(&pending, SIGPIPE) != 1)
+        return;
+    const sigset_t set = onlyBrokenPipe();
+    const timespec atOnce{};
+    sigtimedwait(&set, nullptr, &atOnce);
 }
 
 } // namespace
 
-BrokenPipeGuard::BrokenPipeGuard() : wasPending(isPending()) {
+BrokenPipeGuard::BrokenPipeGuard() {
     const sigset_t set = onlyBrokenPipe();
     pthread_sigmask(SIG_BLOCK, &set, &previous);
 }
 
 BrokenPipeGuard::~BrokenPipeGuard() {
-    const int error = errno;
-    if (!wasPending && isPending()) {
-        const sigset_t set = onlyBrokenPipe();
-        const timespec atOnce{};
-        sigtimedwait(&set, nullptr, &atOnce);
-    }
+    // Where the program itself blocks the signal, one that waits may be its own.
+    if (sigismember(&previous, SIGPIPE) == 1)
+        return;
+    const TerminationDeferred untilConsumed;
+    const ErrorNumberKept untilThen;
+    consume();
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
-    errno = error;
 }
 
 } // namespace Korvex

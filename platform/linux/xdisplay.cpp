@@ -51,10 +51,11 @@ std::vector<std::uint32_t> XDisplay::property(xcb_window_t window, std::string_v
     const Owned<xcb_get_property_reply_t> reply(xcb->getPropertyReply(connection, cookie, nullptr));
     if (!reply || reply->format != 32)
         return {};
+    const auto* bytes = static_cast<const char*>(xcb->propertyValue(reply.get()));
     std::vector<std::uint32_t> values(static_cast<std::size_t>(xcb->propertyLength(reply.get())) /
                                       sizeof(std::uint32_t));
-    std::memcpy(values.data(), xcb->propertyValue(reply.get()),
-                values.size() * sizeof(std::uint32_t));
+    if (!values.empty())
+        std::memcpy(values.data(), bytes, values.size() * sizeof(std::uint32_t));
     return values;
 }
 

@@ -13,7 +13,6 @@
 
 using KxTest::Connection;
 using KxTest::Peer;
-using KxTest::wordAt;
 using KxTest::words;
 
 namespace {
@@ -226,13 +225,16 @@ TEST(ZRDaemonSocket, TellsAMissingSocketFromOneThatIsNotConnected) {
 }
 
 TEST(ZRDaemonSocket, ReportsBytesThatCouldNotBeWritten) {
+    std::promise<void> connected;
     std::promise<void> broken;
     const Peer peer(commandPort, [&](Connection& connection) {
+        connected.get_future().wait();
         connection.reset();
         broken.set_value();
     });
     ZRDaemonSocket socket;
     ASSERT_EQ(socket.initSocket(), 0);
+    connected.set_value();
     broken.get_future().wait();
     EXPECT_EQ(socket.sendDataToSocket(6, nullptr, nullptr, 0), 30768);
     EXPECT_EQ(socket.lastError, QAbstractSocket::RemoteHostClosedError);

@@ -171,7 +171,7 @@ TEST(KernelChannel, UnknownNamesUnitsAndDeadHosts) {
                                   "/com.example.control", "com.example.control/"})
             EXPECT_EQ(KextConnect(other, 6, socket), 2) << other;
         EXPECT_EQ(socket, -1);
-        std::ofstream(Korvex::runTimeFolder() + "/control/" + name + "/9");
+        const std::ofstream stale(Korvex::runTimeFolder() + "/control/" + name + "/9");
         EXPECT_EQ(KextConnect(name, 9, socket), ECONNREFUSED);
     }
 }

@@ -236,13 +236,16 @@ TEST(ZRDaemonRegistrySocket, TellsAMissingSocketFromOneThatIsNotConnected) {
 }
 
 TEST(ZRDaemonRegistrySocket, ReportsBytesThatCouldNotBeWritten) {
+    std::promise<void> connected;
     std::promise<void> broken;
     const Peer peer(registryPort, [&](Connection& connection) {
+        connected.get_future().wait();
         connection.reset();
         broken.set_value();
     });
     ZRDaemonRegistrySocket socket;
     ASSERT_EQ(socket.initSocket(), 0);
+    connected.set_value();
     broken.get_future().wait();
     EXPECT_EQ(socket.sendDataToSocket(requestOf(1, 0), nullptr), 30768);
     EXPECT_EQ(socket.lastError, QAbstractSocket::RemoteHostClosedError);

@@ -22,7 +22,6 @@
 
 using KxTest::Connection;
 using KxTest::Peer;
-using KxTest::wordAt;
 using KxTest::words;
 
 namespace {
@@ -55,27 +54,28 @@ unsigned short freePort() {
 } // namespace
 
 TEST(DaemonSession, SendsTheCommandTheParametersAndThePayload) {
-    std::string request;
+    std::promise<std::string> request;
     const Peer peer(0, [&](Connection& connection) {
-        request = connection.read(requestHead + 3);
+        const std::string bytes = connection.read(requestHead + 3);
         connection.write(words({9, 0, 0}));
-        request += connection.readToEnd();
+        request.set_value(bytes + connection.readToEnd());
     });
     const unsigned parameters[] = {1, 0xFFFFFFFF, 3};
     const unsigned char payload[] = {'a', 0, 'b'};
     EXPECT_EQ(daemonSession(peer.port(), 9, 5, parameters, 3, payload, 3, nullptr, nullptr), 0);
-    EXPECT_EQ(request, words({9, 1, 0xFFFFFFFF, 3, 0, 3}) + std::string("a\0b", 3));
+    EXPECT_EQ(request.get_future().get(),
+              words({9, 1, 0xFFFFFFFF, 3, 0, 3}) + std::string("a\0b", 3));
 }
 
 TEST(DaemonSession, WithoutDataTheLengthIsZeroWhateverTheCallerSays) {
-    std::string request;
+    std::promise<std::string> request;
     const Peer peer(0, [&](Connection& connection) {
-        request = connection.read(requestHead);
+        const std::string bytes = connection.read(requestHead);
         connection.write(words({9, 0, 0}));
-        request += connection.readToEnd();
+        request.set_value(bytes + connection.readToEnd());
     });
     EXPECT_EQ(daemonSession(peer.port(), 9, 5, nullptr, 77, nullptr, 5000, nullptr, nullptr), 0);
-    EXPECT_EQ(request, words({9, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(request.get_future().get(), words({9, 0, 0, 0, 0, 0}));
 }
 
 TEST(DaemonSession, GivesTheDaemonsStatusAndData) {

@@ -38,8 +38,8 @@ Descriptor listenAt(const std::string& folder, unsigned unit) {
 
 } // namespace
 
-KernelControlHost::KernelControlHost(std::string controlName, const std::vector<unsigned>& units,
-                                     Driver driver)
+KernelControlHost::KernelControlHost(const std::string& controlName,
+                                     const std::vector<unsigned>& units, Driver driver)
     : folder(Korvex::runTimeFolder() + "/control/" + controlName), answerTo(std::move(driver)) {
     std::filesystem::create_directories(folder);
     for (unsigned unit : units)

@@ -24,7 +24,8 @@ public:
     /// What the driver says to a request; called by the host's thread.
     using Driver = std::function<Reply(Korvex::KernelWire::Kind, unsigned option, std::string)>;
 
-    KernelControlHost(std::string controlName, const std::vector<unsigned>& units, Driver driver);
+    KernelControlHost(const std::string& controlName, const std::vector<unsigned>& units,
+                      Driver driver);
     ~KernelControlHost();
     KernelControlHost(const KernelControlHost&) = delete;
     KernelControlHost& operator=(const KernelControlHost&) = delete;

@@ -48,7 +48,7 @@ inline std::string outputOf(std::string commandLine, const void* environment = n
     if (!child.started)
         return {};
     EXPECT_TRUE(WProcess::wait(child.process(), INFINITE));
-    const std::string output = child.process()->readAllStandardOutput().toStdString();
+    std::string output = child.process()->readAllStandardOutput().toStdString();
     EXPECT_TRUE(CloseHandle(child.process()));
     return output;
 }

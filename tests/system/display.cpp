@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,6 +25,7 @@ pid_t run(const std::vector<std::string>& words, int kept = -1) {
     arguments.push_back(nullptr);
     const pid_t process = fork();
     if (process == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL); // also when the test itself crashes
         const int nowhere = open("/dev/null", O_RDWR);
         dup2(nowhere, 1);
         dup2(nowhere, 2);

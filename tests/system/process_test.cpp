@@ -179,7 +179,10 @@ TEST(ProcessClose, ARunningProcessGoesOnAndIsKnownUntilItEnds) {
 TEST(ProcessClose, AClosedProcessCanBeWaitedForStill) {
     const Child child = start("/bin/cat");
     EXPECT_TRUE(CloseHandle(child.process()));
-    std::thread killer([&] { end(child.information.dwProcessId); });
+    std::thread killer([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100)); // so that the wait has begun
+        end(child.information.dwProcessId);
+    });
     EXPECT_TRUE(WProcess::wait(child.process(), 20'000));
     killer.join();
     EXPECT_TRUE(becomes([] { return knownProcesses() == 0; }));
