@@ -3,6 +3,7 @@
 
 exports.py compare LIBRARY      fails when the library exports something else than the list says
 exports.py update LIBRARY       writes the list
+exports.py declared             fails when the headers declare a call in C that is not in the list
 exports.py documented           fails when the list and docs/differences.md do not name the same
 """
 
@@ -56,6 +57,21 @@ def compare(library):
 
 def update(library):
     LIST.write_text("".join(symbol + "\n" for symbol in exported_by(library)))
+
+
+def declared():
+    """Every call and object in C that a header promises is exported, and the other way round."""
+    text = "\n".join(path.read_text() for path in sorted(HEADERS.rglob("*.h")))
+    promised = set(re.findall(r"^KXQTS_C_API\b[^;()]*?\b(\w+)(?:\[\])?\s*(?:\(|;)", text,
+                              re.MULTILINE))
+    exported = {symbol for symbol in listed() if re.fullmatch(r"\w+", symbol)}
+    for name in sorted(promised - exported):
+        print(f"declared, but not exported: {name}")
+    for name in sorted(exported - promised):
+        print(f"exported, but not declared: {name}")
+    if promised != exported:
+        sys.exit("Headers and library do not offer the same.")
+    print(f"{len(promised)} calls and objects in C, all declared and exported")
 
 
 def without_arguments(symbol):
@@ -129,5 +145,6 @@ def documented():
 
 
 if __name__ == "__main__":
-    actions = {"compare": compare, "update": update, "documented": documented}
+    actions = {"compare": compare, "update": update, "declared": declared,
+               "documented": documented}
     actions[sys.argv[1]](*sys.argv[2:])

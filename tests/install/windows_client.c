@@ -30,5 +30,6 @@ int _tmain(int argc, TCHAR** argv) {
     if (!CloseHandle(file))
         return failed("the file can be closed");
     SetLastError(ERROR_SUCCESS);
+    Sleep(1);
     return GetLastError() == ERROR_SUCCESS ? 0 : failed("there is no error left");
 }
