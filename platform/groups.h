@@ -20,9 +20,10 @@ public:
     virtual std::optional<std::vector<unsigned>> ofProcess(std::size_t limit) = 0;
 
     /// The groups of a user, \a baseGroup among them. Of a name that the database does not know, it
-    /// is the only one. \param limit How many the caller takes. \return Nothing when there are more.
-    virtual std::optional<std::vector<unsigned>>
-    ofUser(const std::string& name, unsigned baseGroup, std::size_t limit) = 0;
+    /// is the only one. \param limit How many the caller takes. \return Nothing when there are
+    /// more.
+    virtual std::optional<std::vector<unsigned>> ofUser(const std::string& name, unsigned baseGroup,
+                                                        std::size_t limit) = 0;
 
     /// \return Nothing for a user that the database does not know.
     virtual std::optional<std::string> nameOf(unsigned userId) = 0;

@@ -10,9 +10,8 @@ std::size_t qHash(const PreferenceDomain& domain, std::size_t seed) {
 
 CFTypeRef Preferences::copyValue(const PreferenceDomain& domain, QStringView name) {
     CFTypeRef value = nullptr;
-    read(domain, [&](const PropertyList::Tree& tree) {
-        value = tree.copy(tree.member(tree.top(), name));
-    });
+    read(domain,
+         [&](const PropertyList::Tree& tree) { value = tree.copy(tree.member(tree.top(), name)); });
     return value;
 }
 

@@ -74,7 +74,7 @@ QByteArray integerBytes(const QString& text) {
 
 QByteArray hexadecimalBytes(QString text) {
     text.remove(QLatin1Char(' '));
-    const QByteArray bytes = QByteArray::fromHex(text.toLatin1());
+    QByteArray bytes = QByteArray::fromHex(text.toLatin1());
     if (bytes.size() * 2 != text.size())
         throw UsageError("binary values are pairs of hexadecimal digits");
     return bytes;
@@ -176,8 +176,7 @@ std::vector<std::string> complete(std::span<const std::string> operands) {
     for (const char* root : {"HKLM", "HKCU"}) {
         if (!ofProfiles)
             words.emplace_back(root);
-        const Object found = RegistryKey(root, std::nullopt).read();
-        const Object names = found;
+        const Object names = RegistryKey(root, std::nullopt).read();
         const auto add = [](const void* key, const void* value, void* context) {
             if (CFGetTypeID(value) == CFDictionaryGetTypeID())
                 static_cast<std::vector<std::string>*>(context)->push_back(

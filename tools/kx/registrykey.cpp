@@ -100,8 +100,8 @@ Object RegistryKey::read() const {
     if (!isRoot())
         return owned(prefs().getObjectOfType(path, anyType, user()));
     // The registry calls do not enumerate a root, so its names come from the storage.
-    const Object all = owned(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
-                                                       &kCFTypeDictionaryValueCallBacks));
+    Object all = owned(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
+                                                 &kCFTypeDictionaryValueCallBacks));
     auto* dictionary = static_cast<CFMutableDictionaryRef>(const_cast<void*>(all.get()));
     const Object names = owned(CFPreferencesCopyKeyList(application, user(), host()));
     const auto* list = static_cast<CFArrayRef>(names.get());
