@@ -92,10 +92,11 @@ void addUsers(std::vector<Found>& found) {
         if (!isProcess(entry.path()))
             continue;
         std::ifstream file(entry.path() / "maps");
+        // Only what may not be looked at might have one open; a process that has ended has not.
+        if (!file.is_open() && (errno == EACCES || errno == EPERM))
+            all = false;
         std::ostringstream mappings;
         mappings << file.rdbuf();
-        // A process that ended meanwhile has none open.
-        all = all && (file.is_open() || !fs::exists(entry.path(), error));
         addUser(found, std::stoi(entry.path().filename()), mappings.str());
     }
     for (Found& each : found) {
