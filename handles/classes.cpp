@@ -5,6 +5,7 @@
 #include "system/processcare.h"
 
 #include <KxQts/handles/event.h>
+#include <KxQts/handles/mutex.h>
 #include <KxQts/winapi/handles.h>
 
 #include <algorithm>
@@ -50,16 +51,23 @@ struct HandleClassTable {
         return WProcess::wait(static_cast<WProcess*>(handle), ms) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
     }
 
+    static DWORD waitForMutex(HANDLE handle, DWORD ms, HeldLock& held) {
+        auto* mutex = static_cast<WMutex*>(handle);
+        const bool taken = held ? WMutex::waitForLive(*mutex, ms, held) : WMutex::wait(mutex, ms);
+        return taken ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+    }
+
     static const HandleClass* withTag(const QString& tag);
     static const HandleClass* withUse(Use use);
 
-    static const std::array<HandleClass, 4> rows;
+    static const std::array<HandleClass, 5> rows;
 };
 
-const std::array<HandleClass, 4> HandleClassTable::rows{{
+const std::array<HandleClass, 5> HandleClassTable::rows{{
     {WProcess::sObjName, Use::Process, &WProcess::sCritSect, isKnownProcess, closeProcess, nullptr},
     {processTag, Use::Object, nullptr, nullptr, nullptr, waitForProcess},
     {WEvent::sObjName, Use::Event, &WEvent::sCritSect, isLive<WEvent>, close<WEvent>, waitForEvent},
+    {WMutex::sObjName, Use::Mutex, &WMutex::sCritSect, isLive<WMutex>, close<WMutex>, waitForMutex},
     {fileTag, Use::Object, nullptr, nullptr, closeFile, nullptr},
 }};
 
@@ -77,11 +85,12 @@ const HandleClass* HandleClassTable::withUse(Use use) {
 }
 
 TaggedHandle::TaggedHandle(HANDLE toTell) KXQTS_UNCHECKED_LOCKING {
-    if (!HandleAddresses::mayBeObject(toTell))
-        return;
+    // Asked once: what stands there may be freed at any moment until the lock is held.
     const HandleClass* madeAs = HandleClassTable::withUse(HandleAddresses::useOf(toTell));
+    if (!madeAs && !HandleAddresses::mayBeObject(toTell))
+        return;
     if (madeAs) {
-        held.emplace(*madeAs->lock);
+        held.emplace(*madeAs->lock, Terminably::Yes);
         if (!madeAs->isLive(toTell))
             return;
     }

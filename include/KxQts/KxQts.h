@@ -18,6 +18,7 @@
 #include <KxQts/files/library.h>
 #include <KxQts/files/profile.h>
 #include <KxQts/handles/event.h>
+#include <KxQts/handles/mutex.h>
 #include <KxQts/messages/localization.h>
 #include <KxQts/refcounter.h>
 #include <KxQts/registry/prefs.h>

@@ -16,6 +16,7 @@
 #include <KxQts/winapi/kernelcontrol.h>
 #include <KxQts/winapi/knowndirectories.h>
 #include <KxQts/winapi/modules.h>
+#include <KxQts/winapi/mutexes.h>
 #include <KxQts/winapi/processes.h>
 #include <KxQts/winapi/profiles.h>
 #include <KxQts/winapi/registry.h>

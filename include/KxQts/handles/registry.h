@@ -29,7 +29,12 @@ public:
 
     /// Whether an object is live. Any pointer may be asked for.
     [[nodiscard]] bool contains(const T* object) const {
-        return members->places.count(object) != 0;
+        if (object && object == members->lastFound)
+            return true;
+        const bool found = members->places.count(object) != 0;
+        if (found)
+            members->lastFound = object;
+        return found;
     }
 
     /// The object at a place, 0 being the oldest; null when there are not so many.
@@ -56,6 +61,7 @@ public:
         if (auto found = members->places.find(object); found != members->places.end()) {
             members->inOrder.erase(found->second);
             members->places.erase(found);
+            members->lastFound = nullptr;
         }
     }
 
@@ -63,6 +69,7 @@ private:
     struct Members {
         std::list<T*> inOrder;
         std::unordered_map<const T*, typename std::list<T*>::iterator> places;
+        const T* lastFound = nullptr; // the same one is mostly asked for again and again
     };
 
     Members* const members; // never deleted, see above

@@ -19,19 +19,27 @@
 ///
 /// \return `TRUE` when a reference was given up. `FALSE` with `errno` 22 for null, all ones, a
 /// handle that is closed already, and whatever else is no event, mutex, thread, process or file
-/// (registry keys, search handles and event sources have closing calls of their own). \par Threads
-/// Any thread may close any handle. A thread that waits for the object meanwhile gets
-/// `WAIT_FAILED`.
+/// (registry keys, search handles and event sources have closing calls of their own).
+///
+/// Any thread may close any handle. A thread that waits for an event meanwhile gets `WAIT_FAILED`,
+/// one that waits for a mutex without a name `WAIT_TIMEOUT`; one that waits for a mutex with a name
+/// goes on waiting until somebody releases it. Threads and processes that run go on, and what has
+/// ended can still be closed.
 KXQTS_C_API BOOL CloseHandle(HANDLE h);
 
 /// Waits until an event is signalled or a mutex is free, and takes it.
 ///
 /// \param h An event or a mutex. Everything else, threads, processes and files included, gives
 /// `WAIT_FAILED` at once: threads are joined and processes waited for by calls of their own.
-/// \param milliseconds `INFINITE`, or a time measured on a clock that nobody sets. Any other value
-/// with the sign bit set gives `WAIT_FAILED` without waiting. \return `WAIT_OBJECT_0`,
-/// `WAIT_TIMEOUT` or `WAIT_FAILED`. `errno` is not part of the result. \par Differs from Windows
-/// Every event resets itself: a wait that succeeds takes the signal.
+/// \param milliseconds `INFINITE`, or a time. Any other value with the sign bit set gives
+/// `WAIT_FAILED` without waiting. For an event the time is measured on a clock that nobody sets.
+/// For a mutex it is counted in tries with a pause of a millisecond behind each, one more than
+/// there are milliseconds; 0 is a single try. A mutex without a name is taken by an `INFINITE` wait
+/// only and times out else. \return `WAIT_OBJECT_0`, `WAIT_TIMEOUT` or `WAIT_FAILED`. `errno` is
+/// not part of the result.
+///
+/// Differs from Windows: every event resets itself, a wait that succeeds takes the signal; a thread
+/// that has a mutex already waits for it like any other.
 KXQTS_C_API DWORD WaitForSingleObject(HANDLE h, DWORD milliseconds);
 
 /// Makes an event.

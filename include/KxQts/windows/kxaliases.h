@@ -16,6 +16,7 @@
 #define CreateDirectory KXQTS_ALIAS(CreateDirectory)
 #define CreateEvent KXQTS_ALIAS(CreateEvent)
 #define CreateFile KXQTS_ALIAS(CreateFile)
+#define CreateMutex KXQTS_ALIAS(CreateMutex)
 #define CreateProcess KXQTS_ALIAS(CreateProcess)
 #define DeleteFile KXQTS_ALIAS(DeleteFile)
 #define FindFirstFile KXQTS_ALIAS(FindFirstFile)
