@@ -125,6 +125,18 @@ void giveBack(void* address) noexcept {
     queueFree(address);
 }
 
+bool giveBackEnded(void* address) noexcept {
+    if (useOf(address) != Use::Ended)
+        return false;
+    const LockGuard guard(state.lock);
+    // Another thread may have been faster.
+    Use ended = Use::Ended;
+    if (!useAt(address)->compare_exchange_strong(ended, Use::Free))
+        return false;
+    queueFree(address);
+    return true;
+}
+
 void setUse(void* address, Use newUse) noexcept {
     if (std::atomic<Use>* use = useAt(address))
         use->store(newUse, std::memory_order_release);

@@ -34,6 +34,10 @@ enum class Use {
 /// Frees an address that \ref take gave.
 void giveBack(void* address) noexcept;
 
+/// Frees an address that stands for something ended. \return False, without any effect, for every
+/// other pointer.
+[[nodiscard]] bool giveBackEnded(void* address) noexcept;
+
 /// Changes what an address that \ref take gave is used for. Other addresses stay unknown.
 void setUse(void* address, Use use) noexcept;
 

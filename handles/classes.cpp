@@ -6,6 +6,7 @@
 
 #include <KxQts/handles/event.h>
 #include <KxQts/handles/mutex.h>
+#include <KxQts/handles/thread.h>
 #include <KxQts/winapi/handles.h>
 
 #include <algorithm>
@@ -26,6 +27,10 @@ struct HandleClassTable {
     template <class T>
     static bool isLive(HANDLE handle) KXQTS_UNCHECKED_LOCKING {
         return Korvex::isLive(T::sObjectList, static_cast<const T*>(handle));
+    }
+
+    static bool isLiveThread(HANDLE handle) KXQTS_UNCHECKED_LOCKING {
+        return Korvex::isLive(WThread::sThreadList, static_cast<const WThread*>(handle));
     }
 
     template <class T>
@@ -60,11 +65,12 @@ struct HandleClassTable {
     static const HandleClass* withTag(const QString& tag);
     static const HandleClass* withUse(Use use);
 
-    static const std::array<HandleClass, 5> rows;
+    static const std::array<HandleClass, 6> rows;
 };
 
-const std::array<HandleClass, 5> HandleClassTable::rows{{
+const std::array<HandleClass, 6> HandleClassTable::rows{{
     {WProcess::sObjName, Use::Process, &WProcess::sCritSect, isKnownProcess, closeProcess, nullptr},
+    {WThread::sObjName, Use::Thread, &WThread::sCritSect, isLiveThread, close<WThread>, nullptr},
     {processTag, Use::Object, nullptr, nullptr, nullptr, waitForProcess},
     {WEvent::sObjName, Use::Event, &WEvent::sCritSect, isLive<WEvent>, close<WEvent>, waitForEvent},
     {WMutex::sObjName, Use::Mutex, &WMutex::sCritSect, isLive<WMutex>, close<WMutex>, waitForMutex},

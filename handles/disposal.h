@@ -1,5 +1,7 @@
 #pragma once
 
+#include "handles/addresses.h"
+
 #include <KxQts/handles/registry.h>
 #include <KxQts/winapi/types.h>
 
@@ -7,6 +9,7 @@
 #include <utility>
 
 /// What every handle class does alike: making an object, looking a handle up, giving one up.
+/// Everything here that takes a registry is called under the lock of its class.
 namespace Korvex {
 
 /// Null when there is no memory; nothing is left behind then.
@@ -44,6 +47,33 @@ BOOL dispose(HandleRegistry<T>& registry, T* handle, Needed stillNeeded) {
 template <class T>
 BOOL dispose(HandleRegistry<T>& registry, T* handle) {
     return dispose(registry, handle, [](const T&) { return false; });
+}
+
+/// Frees an object whose handle the client still has. The address stays reserved until the client
+/// closes it.
+template <class T>
+void freeBeforeClosing(T* handle) {
+    if (HandleAddresses::useOf(handle) == HandleAddresses::Use::Unknown) {
+        // A larger object of a client's own class: its memory goes back to where it came from.
+        HandleAddresses::rememberClosed(handle);
+        delete handle;
+    } else {
+        handle->~T();
+        HandleAddresses::setUse(handle, HandleAddresses::Use::Ended);
+    }
+}
+
+/// Frees the object of a thread or process that has ended and has given up its own reference.
+template <class T>
+void freeEnded(HandleRegistry<T>& registry, T* handle) {
+    const int left = handle->refCount;
+    if (left >= 1)
+        return;
+    registry.remove(handle);
+    if (left < 0)
+        delete handle;
+    else
+        freeBeforeClosing(handle);
 }
 
 } // namespace Korvex

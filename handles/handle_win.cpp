@@ -10,6 +10,9 @@ BOOL CloseHandle(HANDLE h) {
     const Korvex::TaggedHandle handle(h);
     if (handle.handleClass() && handle.handleClass()->close)
         return handle.handleClass()->close(h);
+    // What a thread's or process's end left for its client to close.
+    if (Korvex::HandleAddresses::giveBackEnded(h))
+        return TRUE;
     errno = Korvex::Error::InvalidArgument;
     return FALSE;
 }

@@ -1,6 +1,7 @@
 #include "system/childcollector.h"
 
 #include "platform/lock.h"
+#include "platform/stayloaded.h"
 #include "system/processcare.h"
 
 #include <algorithm>
@@ -57,6 +58,7 @@ void ChildCollector::take(WProcess& process) {
 }
 
 void ChildCollector::startThread() {
+    stayLoaded();
     const AllSignalsBlocked blocked;
     try {
         std::thread(&ChildCollector::run, this).detach();

@@ -20,6 +20,7 @@
 #include <KxQts/handles/event.h>
 #include <KxQts/handles/mutex.h>
 #include <KxQts/handles/semaphore.h>
+#include <KxQts/handles/thread.h>
 #include <KxQts/messages/localization.h>
 #include <KxQts/refcounter.h>
 #include <KxQts/registry/prefs.h>

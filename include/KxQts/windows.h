@@ -21,5 +21,6 @@
 #include <KxQts/winapi/profiles.h>
 #include <KxQts/winapi/registry.h>
 #include <KxQts/winapi/text.h>
+#include <KxQts/winapi/threads.h>
 #include <KxQts/winapi/types.h>
 #include <KxQts/winapi/volumes.h>

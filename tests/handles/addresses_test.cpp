@@ -23,6 +23,17 @@ TEST(HandleAddresses, AreKnownFromTheirFirstUseOn) {
     EXPECT_EQ(HandleAddresses::useOf(&elsewhere), Use::Unknown);
 }
 
+TEST(HandleAddresses, OneOfSomethingEndedIsGivenBackOnce) {
+    int elsewhere = 0;
+    void* address = HandleAddresses::take(Use::Thread);
+    EXPECT_FALSE(HandleAddresses::giveBackEnded(address)) << "it has not ended";
+    HandleAddresses::setUse(address, Use::Ended);
+    EXPECT_TRUE(HandleAddresses::giveBackEnded(address));
+    EXPECT_EQ(HandleAddresses::useOf(address), Use::Free);
+    for (void* other : {address, static_cast<void*>(&elsewhere), static_cast<void*>(nullptr)})
+        EXPECT_FALSE(HandleAddresses::giveBackEnded(other));
+}
+
 TEST(HandleAddresses, AFreedOneIsGivenOutAgainLast) {
     void* freed = HandleAddresses::take(Use::Object);
     HandleAddresses::giveBack(freed);

@@ -2,6 +2,10 @@
 // suppressed; the canary tests show that ours is still seen. Memory that there is not is null or an
 // exception, as without them: what then happens is tested.
 
+#ifndef KXQTS_TSAN_OPTIONS
+#define KXQTS_TSAN_OPTIONS "" // what a test program wants in addition
+#endif
+
 // Visible whatever the compiler's default is: the sanitizers look these up by name at run time.
 #pragma GCC visibility push(default)
 
@@ -22,7 +26,7 @@ const char* __lsan_default_options() {
 
 const char* __tsan_default_options() {
     return "suppressions=" KXQTS_SUPPRESSIONS
-           "/tsan.supp:print_suppressions=0:allocator_may_return_null=1";
+           "/tsan.supp:print_suppressions=0:allocator_may_return_null=1:" KXQTS_TSAN_OPTIONS;
 }
 
 } // extern "C"
