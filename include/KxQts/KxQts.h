@@ -19,6 +19,7 @@
 #include <KxQts/files/profile.h>
 #include <KxQts/handles/event.h>
 #include <KxQts/handles/mutex.h>
+#include <KxQts/handles/posixthread.h>
 #include <KxQts/handles/semaphore.h>
 #include <KxQts/handles/thread.h>
 #include <KxQts/messages/localization.h>
