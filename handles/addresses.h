@@ -28,6 +28,8 @@ enum class Use {
     Ended,  ///< Nothing any more, kept until the client closes the handle
 };
 
+inline constexpr std::size_t useCount = static_cast<std::size_t>(Use::Ended) + 1;
+
 /// Room for an object of at most `slotSize` bytes; null when there is no memory.
 [[nodiscard]] void* take(Use use) noexcept;
 

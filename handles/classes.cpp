@@ -68,7 +68,7 @@ struct HandleClassTable {
     static const std::array<HandleClass, 6> rows;
 };
 
-const std::array<HandleClass, 6> HandleClassTable::rows{{
+constinit const std::array<HandleClass, 6> HandleClassTable::rows{{
     {WProcess::sObjName, Use::Process, &WProcess::sCritSect, isKnownProcess, closeProcess, nullptr},
     {WThread::sObjName, Use::Thread, &WThread::sCritSect, isLiveThread, close<WThread>, nullptr},
     {processTag, Use::Object, nullptr, nullptr, nullptr, waitForProcess},
@@ -83,11 +83,17 @@ const HandleClass* HandleClassTable::withTag(const QString& tag) {
     return row == rows.end() ? nullptr : row;
 }
 
+// Every call for a handle comes through here, so nothing is searched.
 const HandleClass* HandleClassTable::withUse(Use use) {
-    const auto* row = std::find_if(rows.begin(), rows.end(), [&](const HandleClass& known) {
-        return known.use == use && known.lock;
-    });
-    return row == rows.end() ? nullptr : row;
+    static const auto rowsByUse = [] {
+        std::array<const HandleClass*, HandleAddresses::useCount> found{};
+        for (const HandleClass& row : rows) {
+            if (row.lock)
+                found.at(static_cast<std::size_t>(row.use)) = &row;
+        }
+        return found;
+    }();
+    return rowsByUse[static_cast<std::size_t>(use)];
 }
 
 TaggedHandle::TaggedHandle(HANDLE toTell) KXQTS_UNCHECKED_LOCKING {
