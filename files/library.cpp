@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 #include <new>
 
 namespace Korvex {
@@ -68,13 +69,13 @@ WLibrary* WLibrary::loadAt(const QString& path) {
     if (WLibrary* known = addReference(path))
         return known;
     // A finaliser cannot call back to life the library that it is part of.
-    auto* library = turn.isUnloading() ? nullptr : makeHandle<WLibrary>(path);
+    std::unique_ptr<WLibrary> library(turn.isUnloading() ? nullptr : makeHandle<WLibrary>(path));
     if (!library)
         return nullptr;
     if (library->load())
-        return enter(library);
+        return enter(library.release());
     const int loadersError = errno;
-    unloadAndDelete(library);
+    library.reset();
     errno = loadersError;
     return nullptr;
 }
