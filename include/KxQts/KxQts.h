@@ -18,7 +18,9 @@
 #include <KxQts/files/library.h>
 #include <KxQts/files/profile.h>
 #include <KxQts/handles/event.h>
+#include <KxQts/messages/infomessage.h>
 #include <KxQts/messages/localization.h>
+#include <KxQts/messages/processhandler.h>
 #include <KxQts/refcounter.h>
 #include <KxQts/registry/prefs.h>
 #include <KxQts/registry/registry.h>
