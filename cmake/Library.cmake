@@ -2,7 +2,9 @@
 
 set(KXQTS_LIBDIR lib/Korvex) # below the prefix
 
-add_library(KxQts SHARED $<TARGET_OBJECTS:kxqts_objects>)
+# The log that is open from the start is the library's own: programs made of its objects have none.
+add_library(KxQts SHARED $<TARGET_OBJECTS:kxqts_objects> messages/defaultlog.cpp)
+target_include_directories(KxQts PRIVATE ${PROJECT_SOURCE_DIR})
 add_library(KxQts::KxQts ALIAS KxQts)
 # Installed clients get Qt's modules from the package's own search for Qt, so that programs in C need
 # none.

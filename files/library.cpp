@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 #include <new>
 
 namespace Korvex {
@@ -64,26 +65,26 @@ WLibrary* WLibrary::addReference(const QString& path) {
 }
 
 WLibrary* WLibrary::loadAt(const QString& path) {
-    const LoadingTurn turn(path);
+    LoadingTurn turn(path);
     if (WLibrary* known = addReference(path))
         return known;
     // A finaliser cannot call back to life the library that it is part of.
-    auto* library = turn.isUnloading() ? nullptr : makeHandle<WLibrary>(path);
+    std::unique_ptr<WLibrary> library(turn.isUnloading() ? nullptr : makeHandle<WLibrary>(path));
     if (!library)
         return nullptr;
     if (library->load())
-        return enter(library);
+        return enter(library.release(), turn);
     const int loadersError = errno;
-    unloadAndDelete(library);
+    library.reset();
     errno = loadersError;
     return nullptr;
 }
 
-WLibrary* WLibrary::enter(WLibrary* loaded) {
+WLibrary* WLibrary::enter(WLibrary* loaded, LoadingTurn& turn) {
     if (WLibrary* earlier = addReference(loaded->askedFor)) {
         // An initialiser of the library has loaded it itself meanwhile. Two loadings side by side
         // leave the system with a reference more than the library object knows of.
-        unloadAndDelete(loaded);
+        unloadAndDelete(loaded, turn);
         ImageLoader::dropExtraReference(QFile::encodeName(earlier->fileName()).constData());
         return earlier;
     }
@@ -92,7 +93,7 @@ WLibrary* WLibrary::enter(WLibrary* loaded) {
         sLibList.append(loaded);
         return loaded;
     } catch (const std::bad_alloc&) {
-        unloadAndDelete(loaded);
+        unloadAndDelete(loaded, turn);
         return nullptr;
     }
 }
@@ -114,6 +115,30 @@ bool WLibrary::findLibrary(void* handle, QString& fileName) {
 }
 
 bool WLibrary::freeLibrary(void* handle) {
+    QString path;
+    {
+        const LockGuard guard(sCritSect);
+        WLibrary* library = getWLibraryObject(handle);
+        if (!isLive(sLibList, library))
+            return false;
+        if (library->refCount > 1) {
+            --library->refCount;
+            return true;
+        }
+        path = library->askedFor;
+    }
+    try {
+        return freeInTurn(handle, path);
+    } catch (const std::bad_alloc&) {
+        // Giving a library up never fails: without the memory to do it safely, it stays loaded.
+        return true;
+    }
+}
+
+// The turn comes before the library is taken out of the list: as long as its code is on the way
+// out, Qt would count a new loading of it as none.
+bool WLibrary::freeInTurn(void* handle, const QString& path) {
+    LoadingTurn turn(path);
     WLibrary* library = nullptr;
     {
         const LockGuard guard(sCritSect);
@@ -124,20 +149,15 @@ bool WLibrary::freeLibrary(void* handle) {
             return true;
         sLibList.remove(library);
     }
-    unloadAndDelete(library);
+    unloadAndDelete(library, turn);
     return true;
 }
 
-void WLibrary::unloadAndDelete(WLibrary* library) {
-    try {
-        LoadingTurn turn(library->askedFor);
-        turn.startUnloading();
-        library->unload();
-        const LockGuard guard(sCritSect);
-        delete library;
-    } catch (const std::bad_alloc&) {
-        // Giving a library up never fails: without the memory to do it safely, it stays loaded.
-    }
+void WLibrary::unloadAndDelete(WLibrary* library, LoadingTurn& turn) {
+    turn.startUnloading();
+    library->unload();
+    const LockGuard guard(sCritSect);
+    delete library;
 }
 
 } // namespace Korvex

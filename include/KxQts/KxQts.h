@@ -22,7 +22,9 @@
 #include <KxQts/handles/posixthread.h>
 #include <KxQts/handles/semaphore.h>
 #include <KxQts/handles/thread.h>
+#include <KxQts/messages/infomessage.h>
 #include <KxQts/messages/localization.h>
+#include <KxQts/messages/processhandler.h>
 #include <KxQts/refcounter.h>
 #include <KxQts/registry/prefs.h>
 #include <KxQts/registry/registry.h>

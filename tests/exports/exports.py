@@ -96,7 +96,8 @@ def interface():
         if table:
             classes.add(symbol[len(table):])
             continue
-        name = without_arguments(symbol)
+        # Tables reach a member of a second base through a thunk.
+        name = without_arguments(re.sub("^(non-)?virtual thunk to ", "", symbol))
         owner = class_of(name)
         if owner:
             classes.add(owner)

@@ -219,6 +219,7 @@ TEST(Library, SymbolsAreFoundByTheirCName) {
 TEST(Library, OtherHandlesAreNoModules) {
     HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
     std::array<char, 8> buffer{'x'};
+    std::array<wchar_t, 8> wide{L'x'};
     for (HANDLE foreign : {event, HANDLE(), INVALID_HANDLE_VALUE}) {
         errno = 99;
         EXPECT_FALSE(FreeLibrary(foreign));
@@ -227,9 +228,31 @@ TEST(Library, OtherHandlesAreNoModules) {
         EXPECT_EQ(GetModuleFileNameA(foreign, buffer.data(), buffer.size()), 0u);
         EXPECT_EQ(errno, 0);
         EXPECT_EQ(buffer[0], 'x');
+        errno = 99;
+        EXPECT_EQ(GetModuleFileNameW(foreign, wide.data(), wide.size()), 0u);
+        EXPECT_EQ(errno, 0);
+        EXPECT_EQ(wide[0], L'x');
         EXPECT_EQ(WLibrary::getWLibraryObject(foreign), nullptr);
+        QString name = "before";
+        EXPECT_FALSE(WLibrary::findLibrary(foreign, name));
+        EXPECT_EQ(name, QString("before"));
+        EXPECT_FALSE(WLibrary::freeLibrary(foreign));
     }
     EXPECT_TRUE(CloseHandle(event));
+}
+
+TEST(Library, ObjectThatAClientMakesIsAModuleWithoutAPlaceInTheList) {
+    const ModuleFolder folder;
+    WLibrary own(text(folder.add("libOwn.dylib", KXTEST_MODULE)));
+    EXPECT_EQ(own.refCount, 1);
+    ASSERT_TRUE(own.load());
+    EXPECT_EQ(WLibrary::getWLibraryObject(&own), &own);
+    EXPECT_EQ(answerOf(&own), 42);
+    QString name;
+    EXPECT_FALSE(WLibrary::findLibrary(&own, name));
+    EXPECT_FALSE(FreeLibrary(&own));
+    EXPECT_EQ(GetModuleHandleA(own.fileName().toLatin1().constData()), nullptr);
+    EXPECT_TRUE(own.unload());
 }
 
 TEST(Library, IsNeitherClosedNorWaitedForAsAHandle) {

@@ -37,8 +37,7 @@ protected:
     ~Localization() override { staticDestructor(); }
 
     std::string useCopyOf(const std::string& library) {
-        const std::string path =
-            folder.add("resource" + std::to_string(++copies) + ".dylib", library);
+        std::string path = folder.add("resource" + std::to_string(++copies) + ".dylib", library);
         EXPECT_TRUE(setTranslationFileName(QString::fromStdString(path)));
         return path;
     }
@@ -89,6 +88,9 @@ TEST(LocalizationDefault, ResourceLibraryLiesInTheSystemDirectory) {
     std::filesystem::create_directory("/usr/local/lib/Korvex");
     std::filesystem::copy_file(KXTEST_RESOURCE, "/usr/local/lib/Korvex/libZrRes.dylib");
     EXPECT_EQ(printed("C", {"text", "5"}), "1005 [text 5 in language 0]");
+    EXPECT_EQ(printed("C", {"text", "5", "/nowhere/libZrRes.dylib"}),
+              "refused, 1005 [text 5 in language 0]")
+        << "a name that is refused leaves the default in force";
 }
 
 TEST_F(Localization, FileThatCannotBeOpenedIsRefusedAndTheNameBeforeStays) {
@@ -97,6 +99,15 @@ TEST_F(Localization, FileThatCannotBeOpenedIsRefusedAndTheNameBeforeStays) {
     EXPECT_FALSE(setTranslationFileName(QString()));
     QString text;
     EXPECT_EQ(getLocalizedStringByStringID(1, text), 1001);
+}
+
+TEST_F(Localization, NameIsTriedInLatin1) {
+    useCopyOf(KXTEST_RESOURCE);
+    const QString unusual = QString::fromStdString(folder.path().string()) + "/r\u00E9source.dylib";
+    (void)folder.add("r\u00E9source.dylib", KXTEST_RESOURCE);
+    EXPECT_FALSE(setTranslationFileName(unusual)) << "that file's name is UTF-8";
+    (void)folder.add("r\xE9source.dylib", KXTEST_RESOURCE);
+    EXPECT_TRUE(setTranslationFileName(unusual));
 }
 
 TEST_F(Localization, NameGivenAfterTheFirstLookupHasNoEffect) {
@@ -142,10 +153,13 @@ TEST_F(Localization, ResourceLibraryIsUnloadedOnceAndLoadedAgainWhenNeeded) {
 }
 
 TEST(LocalizationUnload, UnloadingTheLibraryUnloadsTheResourceLibrary) {
+    // The lists of handles live as long as the process; a leak check at its end finds them.
     const KxTest::ProgramResult result =
-        runProgram({KXTEST_UNLOAD_PROBE, KXTEST_UNLOAD_CLIENT, KXTEST_LIBRARY, KXTEST_RESOURCE});
+        runProgram({KXTEST_UNLOAD_PROBE, KXTEST_UNLOAD_CLIENT, KXTEST_LIBRARY, KXTEST_RESOURCE},
+                   {{"ASAN_OPTIONS", "detect_leaks=0"}});
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, "before: library 1, resource 1\nafter: library 0, resource 0\n");
+    EXPECT_EQ(result.output, "before: library 1, resource 1\nafter: library 0, resource 0\n"
+                             "log before 1, after 0\n");
 }
 
 TEST_F(Localization, FirstLookupsOfManyThreadsUseOneResource) {

@@ -15,6 +15,7 @@
 
 namespace Korvex {
 
+class LoadingTurn;
 class KXQTS_LOCKABLE Lock;
 
 /// A library that was loaded at run time. A module handle is a pointer to one.
@@ -63,8 +64,9 @@ public:
 private:
     KXQTS_INTERNAL static WLibrary* addReference(const QString& path);
     KXQTS_INTERNAL static WLibrary* loadAt(const QString& path);
-    KXQTS_INTERNAL static WLibrary* enter(WLibrary* loaded);
-    KXQTS_INTERNAL static void unloadAndDelete(WLibrary* library);
+    KXQTS_INTERNAL static WLibrary* enter(WLibrary* loaded, LoadingTurn& turn);
+    KXQTS_INTERNAL static bool freeInTurn(void* handle, const QString& path);
+    KXQTS_INTERNAL static void unloadAndDelete(WLibrary* library, LoadingTurn& turn);
 
     // The text that the library was asked for by. The loader may have found another file by it.
     const QString askedFor;

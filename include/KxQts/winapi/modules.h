@@ -41,9 +41,10 @@ KXQTS_C_API BOOL FreeLibrary(HMODULE module);
 /// \param size Characters that \a buffer has room for, the terminator included.
 /// \return Characters stored, without the terminator, with `errno` 0. A name that does not fit is
 /// cut and terminated: `size − 1` with `errno` 122; a size of 0 gives 0 with 122 and writes
-/// nothing. 0 with `errno` 0 for a null buffer, null and what is no loaded module. \par Differs
-/// from Windows A null module does not stand for the running program, and a name that is cut gives
-/// `size − 1`.
+/// nothing. 0 with `errno` 0 for a null buffer, null and what is no loaded module.
+///
+/// \par Differs from Windows
+/// A null module does not stand for the running program, and a name that is cut gives `size − 1`.
 KXQTS_C_API DWORD GetModuleFileNameA(HMODULE module, LPSTR buffer, DWORD size);
 /// \copydoc GetModuleFileNameA
 KXQTS_C_API DWORD GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD size);

@@ -1,0 +1,7 @@
+/* What bench_modules loads. */
+
+int kxbenchAnswer(void);
+
+int kxbenchAnswer(void) {
+    return 42;
+}

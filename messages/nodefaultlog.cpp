@@ -1,0 +1,3 @@
+#include "messages/defaultlog.h"
+
+void Korvex::openDefaultLog() {}
