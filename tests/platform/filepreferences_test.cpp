@@ -19,7 +19,6 @@ using namespace KxTest;
 using Korvex::FilePreferences;
 using Korvex::PreferenceDomain;
 using Korvex::PropertyList::Limits;
-using Korvex::PropertyList::Tree;
 using Scope = PreferenceDomain::Scope;
 namespace fs = std::filesystem;
 

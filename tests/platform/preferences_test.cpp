@@ -14,7 +14,6 @@
 using namespace KxTest;
 using Korvex::FilePreferences;
 using Korvex::PreferenceDomain;
-using Korvex::Preferences;
 using Korvex::PropertyList::Editor;
 using Korvex::PropertyList::Kind;
 using Korvex::PropertyList::Node;

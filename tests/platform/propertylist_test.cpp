@@ -322,7 +322,7 @@ TEST(PropertyListXml, NestingIsLimitedAndNeedsNoStack) {
     EXPECT_FALSE(fromXml(deep));
     std::string allowed = "<true/>";
     for (int i = 0; i < 512; ++i)
-        allowed = "<dict><key>a</key>" + allowed + "</dict>";
+        allowed.insert(0, "<dict><key>a</key>").append("</dict>");
     EXPECT_TRUE(fromXml(allowed));
     EXPECT_FALSE(fromXml("<dict><key>a</key>" + allowed + "</dict>"));
 }

@@ -12,7 +12,6 @@
 #include <vector>
 
 using namespace KxTest;
-using Korvex::WPrefs;
 
 namespace {
 

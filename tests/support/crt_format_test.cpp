@@ -48,7 +48,7 @@ TEST_F(CrtFormat, PrintingRefusesNullAndASizeOfZero) {
     EXPECT_EQ(sprintf_s(buffer.text, 0, "x"), -1);
     EXPECT_EQ(errno, 22);
     errno = 0;
-    EXPECT_EQ(sprintf_s(buffer.text, 5, unchecked(nullptr)), -1);
+    EXPECT_EQ(sprintf_s(buffer.text, 5, unchecked(nullptr), 0), -1);
     EXPECT_EQ(errno, 22);
     EXPECT_EQ(buffer.bytes(), "############");
 }
@@ -105,9 +105,9 @@ TEST_F(CrtFormat, CountedPrintingFailsWhenTheWholeTextDoesNotFit) {
 
 TEST_F(CrtFormat, CountedPrintingRefusesNullAndSizesOfZero) {
     Buffer buffer;
-    for (const int result :
-         {_snprintf_s(nullptr, 5, 5, "x"), _snprintf_s(buffer.text, 0, 5, "x"),
-          _snprintf_s(buffer.text, 5, 0, "x"), _snprintf_s(buffer.text, 5, 5, unchecked(nullptr))})
+    for (const int result : {_snprintf_s(nullptr, 5, 5, "x"), _snprintf_s(buffer.text, 0, 5, "x"),
+                             _snprintf_s(buffer.text, 5, 0, "x"),
+                             _snprintf_s(buffer.text, 5, 5, unchecked(nullptr), 0)})
         EXPECT_EQ(result, -1);
     EXPECT_EQ(errno, 22);
     EXPECT_EQ(buffer.bytes(), "############");
