@@ -28,6 +28,8 @@
 #include <KxQts/refcounter.h>
 #include <KxQts/registry/prefs.h>
 #include <KxQts/registry/registry.h>
+#include <KxQts/security/accounts.h>
+#include <KxQts/security/keychain.h>
 #include <KxQts/support/log.h>
 #include <KxQts/support/text.h>
 #include <KxQts/system/commandline.h>

@@ -56,6 +56,12 @@ inline constexpr int BufferTooSmall = 122;
 inline constexpr int CopyFailed = 1287;
 /// A conversion failed inside
 inline constexpr int Internal = 1359;
+/// Passwords are not verified on this system
+inline constexpr int VerifierUnsupported = 9000;
+/// There is no library that verifies passwords
+inline constexpr int VerifierMissing = 9001;
+/// The library that verifies passwords has no function for it
+inline constexpr int VerifierUnusable = 9002;
 /// A daemon's payload cannot be allocated
 inline constexpr int NoPayloadMemory = 28680;
 /// No daemon socket, one in use, or sessions locked

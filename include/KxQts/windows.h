@@ -20,6 +20,7 @@
 #include <KxQts/winapi/processes.h>
 #include <KxQts/winapi/profiles.h>
 #include <KxQts/winapi/registry.h>
+#include <KxQts/winapi/security.h>
 #include <KxQts/winapi/text.h>
 #include <KxQts/winapi/threads.h>
 #include <KxQts/winapi/types.h>
