@@ -1,6 +1,8 @@
 /* A verifier of account passwords for KxVerifyUserPassword, by way of PAM. It becomes
  * libOdApi.dylib. */
 
+#define _POSIX_C_SOURCE 200809L /* for strdup */
+
 #include <security/pam_appl.h>
 
 #include <stdlib.h>

@@ -84,8 +84,6 @@ void importCertificates(const Arguments& arguments) {
     requireCertificates(arguments);
     const auto certificates = certificatesIn(readFile(file), file);
     require(Korvex::StoredKeychain::add(path, certificates), path);
-    std::printf("%zu certificate%s imported.\n", certificates.size(),
-                certificates.size() == 1 ? "" : "s");
 }
 
 void listItems(const Arguments& arguments) {
