@@ -42,7 +42,7 @@ protected:
         failAt(0);
     }
 
-    void SetUp() override { ASSERT_TRUE(world.temporary.mounted); }
+    void SetUp() override { ASSERT_TRUE(world.isMounted); }
 
     void failAt(int step) {
         std::ofstream(failing) << step;
@@ -180,9 +180,7 @@ namespace {
 /// A world with the real program.
 class RecoveryIdentity : public testing::Test {
 protected:
-    RecoveryIdentity() { world.addProgram("security", KXTEST_SECURITY); }
-
-    void SetUp() override { ASSERT_TRUE(world.temporary.mounted); }
+    void SetUp() override { ASSERT_TRUE(world.isMounted); }
 
     int make(const char* folder = "/tmp/world") {
         return KxSecurityCreateMasterIdentityAndFileVaultKeychain("pass word", folder, "m.keychain",
@@ -194,7 +192,7 @@ protected:
         return KxTest::runProgram(words);
     }
 
-    OwnWorld world;
+    OwnWorld world{KXTEST_SECURITY};
     const std::string master = "/tmp/world/m.keychain";
     const std::string certificates = "/tmp/world/k.keychain";
     QString message;
@@ -245,8 +243,8 @@ TEST_F(RecoveryIdentity, OpensWithItsPasswordOnly) {
 }
 
 TEST_F(RecoveryIdentity, KeepsTheMasterKeychainWhenItsExportFails) {
-    world.addScript("failing", "[ \"$1\" = export ] && exit 9\nexec " KXTEST_SECURITY " \"$@\"\n");
-    std::filesystem::rename("/tmp/world/bin/failing", "/tmp/world/bin/security");
+    std::filesystem::rename("/tmp/world/bin/security", "/tmp/world/bin/real");
+    world.addScript("security", "[ \"$1\" = export ] && exit 9\nexec real \"$@\"\n");
     EXPECT_EQ(make(), 9 << 8);
     EXPECT_EQ(message, "system(security export -k /tmp/world/m.keychain -t certs -o "
                        "/tmp/kxfvrk.cer) failed.");

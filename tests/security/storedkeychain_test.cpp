@@ -276,7 +276,7 @@ TEST_F(Stored, LosesNothingWhenManyProcessesChangeIt) {
 
 TEST(StoredOfAnother, IsNeitherReadNorWritten) {
     const KxTest::OwnWorld world;
-    ASSERT_TRUE(world.temporary.mounted);
+    ASSERT_TRUE(world.isMounted);
     const std::string path = world.folder + "/k";
     ASSERT_EQ(StoredKeychain::create(path, "secret", {}), 0);
     EXPECT_TRUE(KxTest::asOrdinaryUser([&] {
@@ -289,7 +289,7 @@ TEST(StoredOfAnother, IsNeitherReadNorWritten) {
 
 TEST(StoredForNobody, IsMadeButStaysLockedWhereNoSessionCanKeepIt) {
     const KxTest::OwnWorld world;
-    ASSERT_TRUE(world.temporary.mounted);
+    ASSERT_TRUE(world.isMounted);
     fs::create_directories(std::getenv("KXQTS_ROOT")); // which is root's
     EXPECT_TRUE(KxTest::asOrdinaryUser([] {
         StoredKeychain keychain;
