@@ -23,7 +23,7 @@ const KeychainItem privateKey{
 constexpr std::size_t digestLine = 8 + 64 + 1;
 
 /// A file with the digest that it should have: what somebody writes who wants to be believed.
-std::string withDigest(std::string text) {
+std::string withDigest(const std::string& text) {
     Korvex::KeychainBlock digest{};
     EXPECT_TRUE(Korvex::Cryptography::digest(text, digest));
     return text + "digest: " + Korvex::hexadecimal(digest) + '\n';

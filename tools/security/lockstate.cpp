@@ -13,7 +13,7 @@ namespace {
 using Kind = Korvex::KeychainItem::Kind;
 
 std::string openAt(const Arguments& arguments, Korvex::StoredKeychain& keychain) {
-    const std::string path = arguments.operand("keychain");
+    std::string path = arguments.operand("keychain");
     require(keychain.open(path), path);
     return path;
 }
