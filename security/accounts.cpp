@@ -2,6 +2,10 @@
 
 #include "security/passwordverifier.h"
 
+#include <KxQts/errors.h>
+
+#include <new>
+
 namespace {
 
 constinit Korvex::PasswordVerifier verifier;
@@ -9,5 +13,9 @@ constinit Korvex::PasswordVerifier verifier;
 } // namespace
 
 std::uint32_t KxVerifyUserPassword(const QString& userName, const QString& password) {
-    return verifier.verify(userName, password);
+    try {
+        return verifier.verify(userName, password);
+    } catch (const std::bad_alloc&) {
+        return Korvex::Error::VerifierMissing; // the next call tries again
+    }
 }

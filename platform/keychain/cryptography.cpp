@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <dlfcn.h>
+#include <new>
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
 #include <openssl/rand.h>
@@ -59,10 +60,12 @@ bool derive(std::string_view password, const KeychainBlock& salt, PasswordKeys& 
     const CryptoLibrary* crypto = loaded();
     std::array<std::uint8_t, 2 * sizeof(KeychainBlock)> both{};
     const WipedAtEnd wiped(both);
-    if (!crypto || crypto->scrypt(password.data(), password.size(), salt.data(), salt.size(),
-                                  scryptCost, scryptBlockSize, scryptParallelization, memoryLimit,
-                                  both.data(), both.size()) != 1)
+    if (!crypto)
         return false;
+    if (crypto->scrypt(password.data(), password.size(), salt.data(), salt.size(), scryptCost,
+                       scryptBlockSize, scryptParallelization, memoryLimit, both.data(),
+                       both.size()) != 1)
+        throw std::bad_alloc();
     const auto* const middle = both.begin() + sizeof(KeychainBlock);
     std::copy(both.cbegin(), middle, keys.pad.bytes.begin());
     std::copy(middle, both.cend(), keys.authentication.bytes.begin());

@@ -39,7 +39,7 @@ struct PasswordKeys {
 };
 
 /// Derives keys from a password and a salt. It takes much memory and time on purpose, so that
-/// guessing passwords does too.
+/// guessing passwords does too; `std::bad_alloc` when there is not so much memory.
 [[nodiscard]] bool derive(std::string_view password, const KeychainBlock& salt, PasswordKeys& keys);
 
 /// The authentication code of a text under a key.

@@ -9,7 +9,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <malloc.h>
 #include <string>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -110,3 +114,32 @@ TEST(KeychainControl, LeavesNoCopyOfThePasswordInMemory) {
     EXPECT_EQ(KxSecurityKeychainControl("k", password.c_str()), asReturned(-25293));
     EXPECT_EQ(secret.occurrences(1), 1u);
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+namespace {
+
+/// Less than deriving a key needs is left; instruments need more than there is anyway.
+void leaveLittleMemory() {
+    malloc_trim(0); // what earlier tests have freed is no reserve
+    std::size_t pages = 0;
+    std::ifstream sizes("/proc/self/statm");
+    for (int field = 0; field < 6; ++field) // the sixth is memory that can be written
+        sizes >> pages;
+    const rlim_t limit = pages * static_cast<std::size_t>(getpagesize()) + (8 << 20);
+    const rlimit both{limit, limit};
+    setrlimit(RLIMIT_DATA, &both);
+}
+
+} // namespace
+
+TEST(KeychainControl, TellsWhenThereIsNoMemory) {
+    const RealKeychain keychain;
+    const auto inAChild = [] {
+        leaveLittleMemory();
+        std::_Exit(KxSecurityKeychainControl("k", "secret") == asReturned(-108) ? 0 : 1);
+    };
+    EXPECT_EXIT(inAChild(), testing::ExitedWithCode(0), "");
+}
+
+#endif
