@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <fcntl.h>
 #include <fstream>
 #include <random>
@@ -48,6 +49,21 @@ UnwrittenText::UnwrittenText(std::size_t length) {
         disguised += char(letters(random) ^ disguise);
 }
 
+std::size_t UnwrittenText::occurrencesIn(const char* memory, std::size_t size,
+                                         std::size_t unitSize) const {
+    const char* const end = memory + size;
+    const std::size_t own = disguised.size() * unitSize;
+    const int first = disguised.front() ^ disguise;
+    std::size_t count = 0;
+    while ((memory =
+                static_cast<const char*>(std::memchr(memory, first, std::size_t(end - memory)))) &&
+           memory + own <= end) {
+        count += isTextAt(memory, disguised, disguise, unitSize) ? 1 : 0;
+        ++memory;
+    }
+    return count;
+}
+
 std::size_t UnwrittenText::occurrences(std::size_t unitSize) const {
     const Buffer buffer;
     const std::size_t size = disguised.size() * unitSize;
@@ -64,8 +80,7 @@ std::size_t UnwrittenText::occurrences(std::size_t unitSize) const {
             const std::size_t wanted = std::min<std::size_t>(chunkSize, to - place);
             if (pread(memory, buffer.memory, wanted, off_t(place)) != ssize_t(wanted))
                 break;
-            for (std::size_t i = 0; i + size <= wanted; ++i)
-                count += isTextAt(buffer.memory + i, disguised, disguise, unitSize) ? 1 : 0;
+            count += occurrencesIn(buffer.memory, wanted, unitSize);
             if (wanted < chunkSize)
                 break;
         }

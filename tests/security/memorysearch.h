@@ -21,6 +21,9 @@ public:
     [[nodiscard]] std::size_t occurrences(std::size_t unitSize) const;
 
 private:
+    [[nodiscard]] std::size_t occurrencesIn(const char* memory, std::size_t size,
+                                            std::size_t unitSize) const;
+
     static constexpr char disguise = 0x15;
 
     std::string disguised;
