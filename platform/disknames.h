@@ -20,6 +20,8 @@ struct DiskNode {
     unsigned minor = 0;     ///< Of the device's number
     std::string systemName; ///< What the system calls it, in its own folders too: "sda1"
     std::string path;       ///< The device's node: "/dev/sda1"
+    /// Tells the disk from others that have had its number; the same for its slices.
+    unsigned long long sequence = 0;
 
     /// "diskN" or "diskNsM".
     [[nodiscard]] std::string name() const;

@@ -2,7 +2,6 @@
 
 #include "platform/linux/disknumberstore.h"
 #include "platform/linux/sysfs.h"
-#include "platform/runtimefolder.h"
 
 #include <algorithm>
 #include <climits>
@@ -11,14 +10,9 @@ namespace Korvex {
 
 namespace {
 
-DiskNumberStore& store() {
-    // Never destroyed: disks may be asked for until the process ends.
-    static auto* const only = new DiskNumberStore(runTimeFolder(), BlockDevices());
-    return *only;
-}
-
-DiskNode nodeOf(unsigned disk, const BlockDevice& device) {
-    return {disk, device.partition, device.major, device.minor, device.systemName, device.path};
+DiskNode nodeOf(unsigned number, const AttachedDisk& disk, const BlockDevice& device) {
+    return {number,      device.partition, device.major, device.minor, device.systemName,
+            device.path, disk.sequence};
 }
 
 struct Name {
@@ -66,13 +60,13 @@ std::string DiskNode::name() const {
 
 std::vector<DiskNode> diskNodes() {
     const ErrorNumberKept meanwhile;
-    const DiskNumberStore::State state = store().current();
+    const DiskNumberStore::State state = diskNumberStore().current();
     std::vector<DiskNode> nodes;
     for (const AttachedDisk& disk : state.disks) {
         const unsigned number = *state.numbers->numberOf(disk);
-        nodes.push_back(nodeOf(number, disk.device));
+        nodes.push_back(nodeOf(number, disk, disk.device));
         for (const BlockDevice& slice : BlockDevices().partitions(disk.device.systemName))
-            nodes.push_back(nodeOf(number, slice));
+            nodes.push_back(nodeOf(number, disk, slice));
     }
     std::stable_sort(nodes.begin(), nodes.end(),
                      [](const DiskNode& a, const DiskNode& b) { return a.disk < b.disk; });
@@ -84,13 +78,13 @@ std::optional<DiskNode> diskNode(std::string_view name) {
     const std::optional<Name> asked = parse(name);
     if (!asked)
         return std::nullopt;
-    auto disk = attachedDisk(*store().stored(), asked->disk);
+    auto disk = attachedDisk(*diskNumberStore().stored(), asked->disk);
     if (!disk)
-        disk = attachedDisk(*store().current().numbers, asked->disk);
+        disk = attachedDisk(*diskNumberStore().current().numbers, asked->disk);
     const auto device = disk ? deviceOf(*disk, asked->slice) : std::nullopt;
     if (!device)
         return std::nullopt;
-    DiskNode node = nodeOf(asked->disk, *device);
+    DiskNode node = nodeOf(asked->disk, *disk, *device);
     return node.name() == name ? std::optional(std::move(node)) : std::nullopt;
 }
 
@@ -99,10 +93,10 @@ std::optional<DiskNode> diskNodeOfDevice(unsigned major, unsigned minor) {
     const auto found = BlockDevices().find(major, minor);
     if (!found)
         return std::nullopt;
-    auto number = store().stored()->numberOf(found->disk);
+    auto number = diskNumberStore().stored()->numberOf(found->disk);
     if (!number)
-        number = store().current().numbers->numberOf(found->disk);
-    return number ? std::optional(nodeOf(*number, found->device)) : std::nullopt;
+        number = diskNumberStore().current().numbers->numberOf(found->disk);
+    return number ? std::optional(nodeOf(*number, found->disk, found->device)) : std::nullopt;
 }
 
 } // namespace Korvex

@@ -1,6 +1,7 @@
 #include "platform/linux/disknumberstore.h"
 
 #include "platform/linux/sysfs.h"
+#include "platform/runtimefolder.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -117,6 +118,12 @@ void DiskNumberStore::write(const DiskNumbers& toWrite) const {
                        rename(path.c_str(), (folder + fileName).c_str()) == 0;
     if (!whole)
         unlink(path.c_str());
+}
+
+DiskNumberStore& diskNumberStore() {
+    // Never destroyed: disks may be asked for until the process ends.
+    static auto* const only = new DiskNumberStore(runTimeFolder(), BlockDevices());
+    return *only;
 }
 
 } // namespace Korvex

@@ -44,4 +44,7 @@ private:
     std::shared_ptr<const DiskNumbers> numbers = std::make_shared<DiskNumbers>();
 };
 
+/// The machine's own, in the run-time folder.
+DiskNumberStore& diskNumberStore();
+
 } // namespace Korvex

@@ -19,12 +19,6 @@ namespace {
 
 constexpr unsigned long long mebibyte = 1 << 20;
 
-/// The file that the numbers are kept in is made before the first test.
-class NumbersKept : public testing::Environment {
-    void SetUp() override { (void)Korvex::diskNodes(); }
-};
-const auto* const kept = testing::AddGlobalTestEnvironment(new NumbersKept);
-
 std::optional<DiskNode> nodeOf(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0)
