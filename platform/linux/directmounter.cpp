@@ -30,6 +30,7 @@ DAReturn statusOf(int error) {
         return kDAReturnNotReady;
     case ENODEV: // a type that the kernel does not know
     case EINVAL: // nothing that it knows
+    case MNT_ERR_NOFSTYPE:
         return kDAReturnUnsupported;
     default:
         return kDAReturnError;
