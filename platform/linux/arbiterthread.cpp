@@ -1,7 +1,8 @@
 #include "platform/linux/arbiterthread.h"
 
-#include <csignal>
-#include <pthread.h>
+#include "platform/scopes.h"
+#include "platform/stayloaded.h"
+
 #include <system_error>
 #include <thread>
 
@@ -11,24 +12,9 @@ namespace {
 
 thread_local bool isArbiters = false;
 
-/// Blocks all signals in the calling thread, and so in the threads that it starts, while it lives.
-class AllSignalsBlocked {
-public:
-    AllSignalsBlocked() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &previous);
-    }
-    ~AllSignalsBlocked() { pthread_sigmask(SIG_SETMASK, &previous, nullptr); }
-    AllSignalsBlocked(const AllSignalsBlocked&) = delete;
-    AllSignalsBlocked& operator=(const AllSignalsBlocked&) = delete;
-
-private:
-    sigset_t previous{};
-};
-
 /// \return Whether a thread could be started.
 bool start(const ArbiterThread::Job& work) {
+    stayLoaded(); // the thread may outlive the module otherwise
     const AllSignalsBlocked blocked;
     try {
         std::thread([work] {
