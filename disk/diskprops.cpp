@@ -29,7 +29,7 @@ Cf::Owned<CFTypeRef> lookUp(CFDictionaryRef description, int index) {
 unsigned readText(CFStringRef string, QString& value) {
     const CFIndex length = CFStringGetLength(string);
     try {
-        QString text(static_cast<int>(length), Qt::Uninitialized);
+        QString text(static_cast<qsizetype>(length), Qt::Uninitialized);
         CFStringGetCharacters(string, CFRangeMake(0, length),
                               reinterpret_cast<UniChar*>(text.data()));
         value = text;

@@ -37,6 +37,9 @@ DAReturn statusOf(int error) {
     }
 }
 
+/// A medium that nobody has chosen a place for is nobody's whose programs and devices are trusted.
+constexpr char optionsOfForeignMedia[] = "nosuid,nodev";
+
 using Context = std::unique_ptr<libmnt_context, void (*)(libmnt_context*)>;
 
 /// What became of an operation, which a helper program may have done.
@@ -60,11 +63,12 @@ DAReturn perform(Prepare prepare, Operation operation) {
     return resultOf(*library, context, operation(*library, context.get()));
 }
 
-DAReturn mountAt(const DiskNode& node, const std::string& target) {
+DAReturn mountAt(const DiskNode& node, const std::string& target, const char* options) {
     return perform(
         [&](const MountLibrary& library, libmnt_context* context) {
             return library.setSource(context, node.path.c_str()) |
-                   library.setTarget(context, target.c_str());
+                   library.setTarget(context, target.c_str()) |
+                   library.setOptions(context, options);
         },
         [](const MountLibrary& library, libmnt_context* context) {
             return library.mount(context);
@@ -88,12 +92,12 @@ public:
         if (!mountsOf(node, mounts()).empty())
             return kDAReturnBusy;
         if (!target.empty())
-            return mountAt(node, target);
+            return mountAt(node, target, nullptr);
         const std::string label = contentsOf(node, nullptr).label;
         const std::string folder = VolumeFolder::make(label.empty() ? node.name() : label);
         if (folder.empty())
             return statusOf(errno);
-        const DAReturn result = mountAt(node, folder);
+        const DAReturn result = mountAt(node, folder, optionsOfForeignMedia);
         if (result != kDAReturnSuccess)
             VolumeFolder::remove(folder);
         return result;

@@ -118,13 +118,20 @@ private:
     void start(DADiskCallback callback, void* context, std::function<DAReturn()> operation) {
         const ErrorNumberKept meanwhile;
         retain();
-        ArbiterThread::instance().run([=, this] {
-            const __DADissenter dissenter{isThere() ? operation() : DAReturn{kDAReturnNotFound}};
-            if (callback)
-                callback(this, dissenter.status == kDAReturnSuccess ? nullptr : &dissenter,
-                         context);
-            release();
-        });
+        try {
+            ArbiterThread::instance().run([=, this] {
+                finish(callback, context, isThere() ? operation() : DAReturn{kDAReturnNotFound});
+            });
+        } catch (const std::bad_alloc&) {
+            finish(callback, context, kDAReturnNoResources);
+        }
+    }
+
+    void finish(DADiskCallback callback, void* context, DAReturn status) {
+        const __DADissenter dissenter{status};
+        if (callback)
+            callback(this, status == kDAReturnSuccess ? nullptr : &dissenter, context);
+        release();
     }
 
     const DiskNode node;

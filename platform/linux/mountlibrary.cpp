@@ -29,6 +29,7 @@ bool findContext(void* library, MountLibrary& mount) {
            findSymbol(library, "mnt_free_context", mount.freeContext) &&
            findSymbol(library, "mnt_context_set_source", mount.setSource) &&
            findSymbol(library, "mnt_context_set_target", mount.setTarget) &&
+           findSymbol(library, "mnt_context_set_options", mount.setOptions) &&
            findSymbol(library, "mnt_context_enable_force", mount.enableForce) &&
            findSymbol(library, "mnt_context_mount", mount.mount) &&
            findSymbol(library, "mnt_context_umount", mount.unmount) &&

@@ -23,6 +23,7 @@ struct MountLibrary {
     decltype(&::mnt_free_context) freeContext = nullptr;
     decltype(&::mnt_context_set_source) setSource = nullptr;
     decltype(&::mnt_context_set_target) setTarget = nullptr;
+    decltype(&::mnt_context_set_options) setOptions = nullptr;
     decltype(&::mnt_context_enable_force) enableForce = nullptr;
     decltype(&::mnt_context_mount) mount = nullptr;
     decltype(&::mnt_context_umount) unmount = nullptr;

@@ -40,7 +40,7 @@ Volume volumeOf(const Mount& mount, const DiskNode* node) {
     return volume;
 }
 
-/// Finds nothing in what stays the same: a mount that never changes its device.
+/// What was found out about mounts before: none of them ever changes its device.
 class KnownMounts {
 public:
     std::optional<VolumeBacking> find(unsigned long long mountId) {
@@ -131,7 +131,7 @@ public:
                 return Place{0, *known};
         }
         const VolumeBacking backing = find(path, status);
-        if (isUnique)
+        if (isUnique && (backing.isNetworked || !backing.device.empty()))
             knownMounts().add(status.stx_mnt_id, backing);
         return Place{0, backing};
     }

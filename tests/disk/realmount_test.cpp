@@ -14,6 +14,7 @@
 #include <fstream>
 #include <future>
 #include <sys/mount.h>
+#include <sys/statvfs.h>
 #include <thread>
 
 namespace fs = std::filesystem;
@@ -134,6 +135,9 @@ TEST_F(RealMount, MountsWhereItIsTold) {
 TEST_F(RealMount, MakesAFolderAndRemovesItAgain) {
     EXPECT_EQ(mount(manager), kDAReturnSuccess);
     EXPECT_EQ(placesOf(slice), volume("Data One") + ' ');
+    struct statvfs status {};
+    EXPECT_EQ(statvfs(volume("Data One").c_str(), &status), 0);
+    EXPECT_EQ(status.f_flag & (ST_NOSUID | ST_NODEV | ST_RDONLY), ST_NOSUID | ST_NODEV);
     EXPECT_EQ(unmount(manager), kDAReturnSuccess);
     EXPECT_FALSE(fs::exists(volume("Data One")));
 }

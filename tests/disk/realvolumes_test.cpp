@@ -9,7 +9,9 @@
 #include "realdisk.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -108,6 +110,21 @@ TEST_F(RealVolumes, AreDescribedAsSlicesWithWhatLiesOnThem) {
     EXPECT_FALSE(flagOf(empty, 4));
     EXPECT_EQ(textOf(empty, 15), "none");
     EXPECT_EQ(textOf(empty, 26), "none");
+}
+
+TEST_F(RealVolumes, AreDescribedWithTheirPartitionTable) {
+    std::array<unsigned char, 512> table{};
+    table[440] = 1; // an identifier of the disk
+    unsigned char* entry = &table[446];
+    entry[4] = 0x83; // for Linux
+    const std::array<unsigned, 2> sectors{2048, 24 * 2048};
+    std::memcpy(entry + 8, sectors.data(), 8);
+    table[510] = 0x55;
+    table[511] = 0xAA;
+    ASSERT_TRUE(disk.write(0, table.data(), table.size()));
+    EXPECT_EQ(textOf(propsOf(whole), 9), "dos");
+    EXPECT_EQ(textOf(propsOf(slice), 9), "0x83");
+    EXPECT_EQ(textOf(propsOf(slice), 15), "Data One");
 }
 
 TEST_F(RealVolumes, TellWhereTheyAreMounted) {
