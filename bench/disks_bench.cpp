@@ -114,7 +114,7 @@ unsigned fetchExtents(const std::string& path) {
     unsigned count = 0;
     unsigned long long place = 0;
     do {
-        query = {};
+        std::fill_n(memory.begin(), sizeof(fiemap), 0);
         query.fm_start = place;
         query.fm_length = FIEMAP_MAX_OFFSET - place;
         query.fm_flags = FIEMAP_FLAG_SYNC;

@@ -21,7 +21,8 @@ void printHeading(const Volume& volume) {
     const Korvex::Cf::Owned<CFStringRef> text(createCFString(volume.name));
     // What is no valid text, or too long, leaves the empty name.
     if (text)
-        CFStringGetCString(text.get(), name.data(), name.size(), kCFStringEncodingUTF8);
+        CFStringGetCString(text.get(), name.data(), static_cast<CFIndex>(name.size()),
+                           kCFStringEncodingUTF8);
     std::printf("Volume \"%s\" (vRefNum %d), BSD node /dev/%s, ", name.data(), volume.reference,
                 volume.backing.device.c_str());
 }

@@ -19,8 +19,8 @@ bool readApplicationPath(ApplicationPath& path) {
         static_cast<CFIndex>(bundle.size()), true));
     const Owned<CFStringRef> text(url ? CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle)
                                       : nullptr);
-    return text &&
-           CFStringGetCString(text.get(), path.data(), path.size(), kCFStringEncodingMacRoman);
+    return text && CFStringGetCString(text.get(), path.data(), static_cast<CFIndex>(path.size()),
+                                      kCFStringEncodingMacRoman);
 }
 
 bool readApplicationDirectory(ApplicationPath& path) {

@@ -80,7 +80,8 @@ public:
                void* context) override {
         std::array<UInt8, PATH_MAX> bytes{};
         const bool isReadable =
-            !path || CFURLGetFileSystemRepresentation(path, true, bytes.data(), bytes.size());
+            !path || CFURLGetFileSystemRepresentation(path, true, bytes.data(),
+                                                      static_cast<CFIndex>(bytes.size()));
         start(callback, context, [=, this, target = std::string(asText(bytes))]() -> DAReturn {
             if (!isReadable)
                 return kDAReturnBadArgument;

@@ -97,11 +97,11 @@ Descriptor DiskNumberStore::lockFolder() const {
     // For nobody else to open: whoever can, can keep everyone waiting.
     Descriptor lock(
         open((folder + lockName).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    int result = lock.isOpen() ? 0 : -1;
-    do {
-        result = lock.isOpen() ? flock(lock.get(), LOCK_EX) : -1;
-    } while (result != 0 && errno == EINTR);
-    return result == 0 ? std::move(lock) : Descriptor();
+    while (lock.isOpen() && flock(lock.get(), LOCK_EX) != 0) {
+        if (errno != EINTR)
+            lock.reset();
+    }
+    return lock;
 }
 
 void DiskNumberStore::write(const DiskNumbers& toWrite) const {

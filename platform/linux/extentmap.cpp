@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <linux/fiemap.h>
 #include <linux/fs.h>
 #include <linux/magic.h>
@@ -49,7 +50,7 @@ public:
 
     bool ask(int descriptor, unsigned long long start, unsigned long long end) {
         fiemap& asked = request();
-        asked = {};
+        std::memset(memory.get(), 0, sizeof(fiemap));
         asked.fm_start = start;
         asked.fm_length = end - start;
         asked.fm_flags = FIEMAP_FLAG_SYNC; // what is not on the disk yet has no blocks

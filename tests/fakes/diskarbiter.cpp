@@ -27,7 +27,8 @@ public:
                void* context) override {
         std::array<UInt8, 512> bytes{};
         if (path)
-            CFURLGetFileSystemRepresentation(path, true, bytes.data(), bytes.size());
+            CFURLGetFileSystemRepresentation(path, true, bytes.data(),
+                                             static_cast<CFIndex>(bytes.size()));
         retain();
         arbiter.take("mount " + name + " options " + std::to_string(options) +
                          (path ? " at " : "") + reinterpret_cast<const char*>(bytes.data()),
