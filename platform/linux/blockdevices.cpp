@@ -95,7 +95,8 @@ std::vector<BlockDevice> BlockDevices::partitions(const std::string& diskName) c
     for (const std::string& name : Sysfs::namesIn(place)) {
         if (!name.starts_with(diskName))
             continue;
-        const std::string own = place + '/' + name;
+        std::string own = place;
+        own.append("/").append(name);
         const std::optional<std::string> event = Sysfs::read(own + "/uevent");
         auto device = event ? describe(own, name, *event) : std::nullopt;
         if (device && device->partition != 0)

@@ -33,6 +33,7 @@ class LinuxDeviceTree final : public DeviceTree {
 public:
     DeviceAncestry ancestryOf(const std::string& disk) override {
         const ErrorNumberKept meanwhile;
+        const TerminationDeferred untilClosed;
         DeviceAncestry found;
         const auto node = diskNode(disk);
         const std::string folder = node ? deviceFolder(*node) : std::string();

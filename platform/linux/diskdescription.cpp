@@ -6,6 +6,7 @@
 #include "platform/linux/mediumcontents.h"
 #include "platform/linux/mounts.h"
 #include "platform/linux/sysfs.h"
+#include "platform/scopes.h"
 
 #include <sys/types.h>
 #include <unistd.h>
@@ -158,6 +159,7 @@ bool isLeaf(const DiskNode& node) {
 } // namespace
 
 CFDictionaryRef describeDisk(const DiskNode& node) {
+    const TerminationDeferred untilGivenBack;
     const std::string own = deviceFolder(node);
     const std::string whole = diskFolder(node);
     if (own.empty())

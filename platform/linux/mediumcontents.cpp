@@ -53,9 +53,8 @@ MediumContents fromMedium(const BlkidLibrary& blkid, const Probe& probe) {
     return contents;
 }
 
-MediumContents probed(const DiskNode& node, const Mount* mount) {
-    const Descriptor device(open(node.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    const BlkidLibrary* const blkid = device.isOpen() ? BlkidLibrary::loaded() : nullptr;
+MediumContents probed(const Descriptor& device, const DiskNode& node, const Mount* mount) {
+    const BlkidLibrary* const blkid = BlkidLibrary::loaded();
     if (!blkid)
         return {};
     const Probe probe(blkid->newProbe(), blkid->freeProbe);
@@ -87,8 +86,13 @@ std::string labelOf(const Mount& mount) {
 
 MediumContents contentsOf(const DiskNode& node, const Mount* mount) {
     const ErrorNumberKept meanwhile;
-    const std::optional<UdevRecord> record = UdevRecord::of(node);
-    MediumContents contents = record ? fromRecord(*record) : probed(node, mount);
+    const TerminationDeferred untilGivenBack; // what the library has opened
+    MediumContents contents;
+    if (const Descriptor device(open(node.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        device.isOpen())
+        contents = probed(device, node, mount);
+    else if (const std::optional<UdevRecord> record = UdevRecord::of(node))
+        contents = fromRecord(*record);
     if (!mount)
         return contents;
     contents.isFileSystem = true;

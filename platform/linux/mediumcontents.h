@@ -17,8 +17,8 @@ struct MediumContents {
     bool isFileSystem = false; ///< Something that can be mounted, no swap space, no member of a set
 };
 
-/// Looks at what the device manager has written down about a device, and at the medium itself where
-/// there is no such record.
+/// Looks at the medium itself, or at what the device manager has written down about it where this
+/// process may not.
 /// \param mount Where it is mounted; may be null.
 [[nodiscard]] MediumContents contentsOf(const DiskNode& node, const Mount* mount);
 

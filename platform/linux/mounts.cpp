@@ -51,6 +51,7 @@ std::optional<DiskNode> Mount::node() const {
 
 std::vector<Mount> mounts() {
     const ErrorNumberKept meanwhile;
+    const TerminationDeferred untilGivenBack; // what the library has opened
     std::vector<Mount> found;
     const MountLibrary* const library = MountLibrary::loaded();
     if (!library)

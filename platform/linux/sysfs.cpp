@@ -65,6 +65,7 @@ std::string linkName(const std::string& path) {
 }
 
 std::vector<std::string> namesIn(const std::string& path) {
+    const TerminationDeferred untilClosed;
     std::vector<std::string> names;
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(path.c_str()), closedir);
     while (const dirent* entry = folder ? readdir(folder.get()) : nullptr) {

@@ -63,7 +63,10 @@ void LoopDisk::detach() {
 }
 
 bool LoopDisk::isPossible() {
-    return geteuid() == 0 && access("/dev/loop-control", R_OK | W_OK) == 0;
+    const int control = geteuid() == 0 ? open("/dev/loop-control", O_RDWR | O_CLOEXEC) : -1;
+    const bool mayAttach = control >= 0;
+    close(control);
+    return mayAttach;
 }
 
 std::string LoopDisk::partitionPath(unsigned number) const {
