@@ -68,11 +68,11 @@ std::vector<std::string> ancestry(const std::string& folder) {
 
 std::string driverOf(const std::string& folder) {
     for (const char* link : {"/driver", "/device/driver"}) {
-        const std::string name = Sysfs::linkName(folder + link);
+        std::string name = Sysfs::linkName(folder + link);
         if (!name.empty())
             return name;
     }
-    const std::string kind = Sysfs::linkName(folder + "/subsystem");
+    std::string kind = Sysfs::linkName(folder + "/subsystem");
     if (kind != "block")
         return kind;
     const std::string event = Sysfs::read(folder + "/uevent").value_or("");

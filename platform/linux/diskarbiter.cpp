@@ -116,7 +116,7 @@ private:
     }
 
     /// Has an operation done and tells what became of it. The disk lives until then.
-    void start(DADiskCallback callback, void* context, std::function<DAReturn()> operation) {
+    void start(DADiskCallback callback, void* context, const std::function<DAReturn()>& operation) {
         const ErrorNumberKept meanwhile;
         retain();
         try {
