@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cerrno>
+#include <csignal>
 #include <pthread.h>
 
 namespace Korvex {
@@ -30,6 +31,22 @@ public:
 
 private:
     const int before = errno;
+};
+
+/// Blocks all signals in the calling thread, and so in the threads that it starts, while it lives.
+class AllSignalsBlocked {
+public:
+    AllSignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &previous);
+    }
+    ~AllSignalsBlocked() { pthread_sigmask(SIG_SETMASK, &previous, nullptr); }
+    AllSignalsBlocked(const AllSignalsBlocked&) = delete;
+    AllSignalsBlocked& operator=(const AllSignalsBlocked&) = delete;
+
+private:
+    sigset_t previous{};
 };
 
 } // namespace Korvex

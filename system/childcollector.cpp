@@ -1,11 +1,11 @@
 #include "system/childcollector.h"
 
 #include "platform/lock.h"
+#include "platform/scopes.h"
 #include "platform/stayloaded.h"
 #include "system/processcare.h"
 
 #include <algorithm>
-#include <csignal>
 #include <system_error>
 #include <thread>
 
@@ -16,22 +16,6 @@ namespace {
 // How often a process is looked after that might wait for a reader: often while it writes much.
 constexpr auto shortestPause = std::chrono::milliseconds(1);
 constexpr auto longestPause = std::chrono::milliseconds(1000);
-
-/// Blocks all signals in the calling thread, and so in the threads that it starts, while it lives.
-class AllSignalsBlocked {
-public:
-    AllSignalsBlocked() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &previous);
-    }
-    ~AllSignalsBlocked() { pthread_sigmask(SIG_SETMASK, &previous, nullptr); }
-    AllSignalsBlocked(const AllSignalsBlocked&) = delete;
-    AllSignalsBlocked& operator=(const AllSignalsBlocked&) = delete;
-
-private:
-    sigset_t previous{};
-};
 
 /// \return Whether there was any.
 bool throwOutputAway(WProcess& process) {

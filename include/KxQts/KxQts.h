@@ -7,6 +7,9 @@
 #include <KxQts/daemon/kernelcontrol.h>
 #include <KxQts/daemon/registry.h>
 #include <KxQts/daemon/session.h>
+#include <KxQts/disk/diskobjects.h>
+#include <KxQts/disk/sectormap.h>
+#include <KxQts/disk/volumeid.h>
 #include <KxQts/disk/volumeinfo.h>
 #include <KxQts/files/attributes.h>
 #include <KxQts/files/copymove.h>
@@ -16,6 +19,7 @@
 #include <KxQts/files/find.h>
 #include <KxQts/files/knowndirectories.h>
 #include <KxQts/files/library.h>
+#include <KxQts/files/paths.h>
 #include <KxQts/files/profile.h>
 #include <KxQts/handles/event.h>
 #include <KxQts/handles/mutex.h>

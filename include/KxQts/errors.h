@@ -18,6 +18,8 @@ inline constexpr int StatusNoMemory = -108;
 /// @{
 inline constexpr int StatusReadFailed = -36;
 inline constexpr int None = 0;
+/// Nothing found by a search that reached its end
+inline constexpr int InvalidFunction = 1;
 /// No such file
 inline constexpr int NotFound = 2;
 /// Reading or writing failed
@@ -32,6 +34,8 @@ inline constexpr int NoMemory = 12;
 inline constexpr int CannotStart = 14;
 /// There is one of that name already
 inline constexpr int Exists = 17;
+/// There is no such disk
+inline constexpr int NoSuchDevice = 19;
 /// A bad handle or argument
 inline constexpr int InvalidArgument = 22;
 /// A result does not fit
@@ -44,6 +48,8 @@ inline constexpr int Unsupported = 50;
 inline constexpr int Connected = 56;
 /// There is no connection
 inline constexpr int NotConnected = 57;
+/// A property is of another type, or does not fit
+inline constexpr int BadDeviceType = 66;
 /// The target of a copy exists
 inline constexpr int FileExists = 80;
 /// A bad parameter, as Windows numbers it
@@ -52,10 +58,18 @@ inline constexpr int InvalidParameter = 87;
 inline constexpr int TimedOut = 101;
 /// A text does not fit the buffer given
 inline constexpr int BufferTooSmall = 122;
+/// More than fits the buffer given
+inline constexpr int MoreData = 234;
+/// There is no number property of that number
+inline constexpr int BadKey = 1010;
+/// What was looked for does not exist
+inline constexpr int ElementNotFound = 1168;
 /// A file could not be copied
 inline constexpr int CopyFailed = 1287;
 /// A conversion failed inside
 inline constexpr int Internal = 1359;
+/// There is no property of that number
+inline constexpr int IndexAbsent = 1611;
 /// Passwords are not verified on this system
 inline constexpr int VerifierUnsupported = 9000;
 /// There is no library that verifies passwords

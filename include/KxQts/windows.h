@@ -17,6 +17,7 @@
 #include <KxQts/winapi/knowndirectories.h>
 #include <KxQts/winapi/modules.h>
 #include <KxQts/winapi/mutexes.h>
+#include <KxQts/winapi/paths.h>
 #include <KxQts/winapi/processes.h>
 #include <KxQts/winapi/profiles.h>
 #include <KxQts/winapi/registry.h>

@@ -2,6 +2,7 @@
 
 #include <KxQts/KxQts.h>
 
+#include <QFileInfo>
 #include <QHostAddress>
 
 #include <cstdio>
@@ -34,6 +35,12 @@ bool eventWorks() {
     return holds(CloseHandle(event) == TRUE, "the event can be closed") && good;
 }
 
+bool libraryKnowsItself() {
+    const char* const path = Korvex::getModulePath();
+    return holds(path && QFileInfo(QString::fromLocal8Bit(path)).fileName() == "libKxQts.so",
+                 "the library knows where it was loaded from");
+}
+
 bool messageBoxIsKnown() {
     return holds(QMessageBox::Ok == 0x400, "the message-box enumerations can be used");
 }
@@ -45,5 +52,6 @@ bool networkIsLinked() {
 } // namespace
 
 int main() {
-    return fileWorks() && eventWorks() && messageBoxIsKnown() && networkIsLinked() ? 0 : 1;
+    const bool works = fileWorks() && eventWorks() && libraryKnowsItself();
+    return works && messageBoxIsKnown() && networkIsLinked() ? 0 : 1;
 }

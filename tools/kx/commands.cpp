@@ -6,14 +6,16 @@
 namespace Kx {
 
 // A subcommand is defined in the file of its name, and has one line here and one in the table.
+extern const Command disks;
+extern const Command map;
 extern const Command mutexes;
 extern const Command reg;
+extern const Command volumes;
 
 namespace {
 
 constexpr std::array table{
-    &mutexes,
-    &reg,
+    &disks, &map, &mutexes, &reg, &volumes,
 };
 
 } // namespace

@@ -27,3 +27,17 @@ KXQTS_C_API UINT GetWindowsDirectoryW(LPWSTR buffer, UINT size);
 KXQTS_C_API DWORD GetTempPathA(DWORD size, LPSTR buffer);
 /// \copydoc GetTempPathA
 KXQTS_C_API DWORD GetTempPathW(DWORD size, LPWSTR buffer);
+
+/// Gives the folder that the running program's bundle lies in: the "NAME.app" that the program is
+/// in, or else the folder of the program itself, without its last component.
+///
+/// \param size Characters that \a buffer has room for, the terminator included.
+/// \return Characters stored, without the terminator, with `errno` 0. 0 with `errno` 234 when they
+/// do not fit; 0 with `errno` left alone for a null buffer and when the bundle's path has more than
+/// 259 characters.
+/// \par Differs from Windows
+/// There is no such call there. The text is in Mac Roman; the wide form converts it in the
+/// program's locale and ends where that fails.
+KXQTS_C_API DWORD GetApplicationDirectoryA(LPSTR buffer, DWORD size);
+/// \copydoc GetApplicationDirectoryA
+KXQTS_C_API DWORD GetApplicationDirectoryW(LPWSTR buffer, DWORD size);

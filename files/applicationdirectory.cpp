@@ -1,0 +1,58 @@
+#include <KxQts/corefoundation.h>
+#include <KxQts/files/knowndirectories.h>
+
+#include "files/applicationdirectory.h"
+#include "files/mainbundle.h"
+#include "platform/corefoundation/object.h"
+
+#include <cstring>
+
+using Korvex::ApplicationPath;
+using Korvex::Cf::Owned;
+
+namespace Korvex {
+
+bool readApplicationPath(ApplicationPath& path) {
+    const std::string bundle = mainBundle();
+    const Owned<CFURLRef> url(CFURLCreateFromFileSystemRepresentation(
+        kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bundle.data()),
+        static_cast<CFIndex>(bundle.size()), true));
+    const Owned<CFStringRef> text(url ? CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle)
+                                      : nullptr);
+    return text && CFStringGetCString(text.get(), path.data(), static_cast<CFIndex>(path.size()),
+                                      kCFStringEncodingMacRoman);
+}
+
+bool readApplicationDirectory(ApplicationPath& path) {
+    char* slash = readApplicationPath(path) ? std::strrchr(path.data(), '/') : nullptr;
+    if (slash)
+        *slash = '\0';
+    return slash != nullptr;
+}
+
+} // namespace Korvex
+
+bool getApplicationDirectory(char* buffer, unsigned long* length) {
+    ApplicationPath path{};
+    if (!buffer || !length || !Korvex::readApplicationDirectory(path))
+        return false;
+    *length = std::strlen(path.data());
+    std::memcpy(buffer, path.data(), *length + 1);
+    return true;
+}
+
+bool getApplicationDirectory(QString& path) {
+    ApplicationPath found{};
+    if (!Korvex::readApplicationDirectory(found))
+        return false;
+    path = QString::fromLatin1(found.data());
+    return true;
+}
+
+bool getApplicationFullPath(QString& path) {
+    ApplicationPath found{};
+    if (!Korvex::readApplicationPath(found))
+        return false;
+    path = QString::fromLatin1(found.data());
+    return true;
+}

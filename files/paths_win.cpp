@@ -1,0 +1,17 @@
+// The buffers hold a text when these are called and hold the same one afterwards, so neither is
+// looked at.
+
+#include <KxQts/files/paths.h>
+#include <KxQts/winapi/paths.h>
+
+#include "files/path.h"
+
+DWORD GetShortPathNameA(LPCSTR longPath, LPSTR, DWORD size) {
+    QString unchanged;
+    return getShortPathname(Korvex::pathFrom(longPath), unchanged, size);
+}
+
+DWORD GetShortPathNameW(LPCWSTR longPath, LPWSTR, DWORD size) {
+    QString unchanged;
+    return getShortPathname(Korvex::pathFrom(longPath), unchanged, size);
+}
