@@ -32,7 +32,9 @@
 #include <KxQts/support/text.h>
 #include <KxQts/system/commandline.h>
 #include <KxQts/system/currentprocess.h>
+#include <KxQts/system/eventlog.h>
 #include <KxQts/system/process.h>
+#include <KxQts/system/systeminfo.h>
 #include <KxQts/windows.h>
 
 #include <QMessageBox>
