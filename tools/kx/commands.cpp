@@ -6,14 +6,18 @@
 namespace Kx {
 
 // A subcommand is defined in the file of its name, and has one line here and one in the table.
+extern const Command loginItems;
 extern const Command mutexes;
 extern const Command reg;
+extern const Command system;
 
 namespace {
 
 constexpr std::array table{
+    &loginItems,
     &mutexes,
     &reg,
+    &system,
 };
 
 } // namespace
