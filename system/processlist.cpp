@@ -42,6 +42,8 @@ void store(int found, bool* running, int* count) {
 } // namespace
 
 int GetBSDProcessList(kinfo_proc** list, unsigned long* count) {
+    if (!list || !count)
+        return Korvex::Error::InvalidArgument;
     std::vector<ProcessEntry> processes;
     *list = nullptr;
     *count = 0;

@@ -199,6 +199,16 @@ TEST_F(Polkit, AToolThatRunsOnIsNotWaitedForAndIsNobodysChild) {
     EXPECT_EQ(kill(running, SIGKILL), 0);
 }
 
+TEST(PolkitPolicy, NamesActionAndHelperAndKeepsAnswers) {
+    std::ifstream stream(KXQTS_POLICY);
+    const std::string policy((std::istreambuf_iterator<char>(stream)), {});
+    EXPECT_NE(
+        policy.find(std::string("<action id=\"") + Korvex::PolkitAuthoriser::actionName + '"'),
+        std::string::npos);
+    EXPECT_NE(policy.find("exec.path\">" KXQTS_INSTALLED_HELPER "</annotate>"), std::string::npos);
+    EXPECT_NE(policy.find("<allow_active>auth_admin_keep</allow_active>"), std::string::npos);
+}
+
 TEST(PolkitMissing, NobodyAgrees) {
     ASSERT_TRUE(KxTest::isOnItsOwn());
     EXPECT_TRUE(asOrdinaryUser([] { EXPECT_EQ(askAndFree(mayAsk, 0), -60008); }));

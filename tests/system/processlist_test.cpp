@@ -71,6 +71,15 @@ TEST(ProcessList, FailsWithTheSystemsError) {
     EXPECT_EQ(processes.list, nullptr);
 }
 
+TEST(ProcessList, NeedsBothArguments) {
+    kinfo_proc* list = nullptr;
+    unsigned long count = 77;
+    EXPECT_EQ(GetBSDProcessList(&list, nullptr), 22);
+    EXPECT_EQ(GetBSDProcessList(nullptr, &count), 22);
+    EXPECT_EQ(count, 77u);
+    EXPECT_EQ(list, nullptr);
+}
+
 TEST(ProcessList, NeedsMemory) {
     ScriptedProcessTable table;
     table.add(7, "Tool");

@@ -8,7 +8,7 @@
 /// Lists all processes.
 /// \param list Receives an array that the caller deletes (`delete[]`). \param count Receives the
 /// count of its records; 0 on failure.
-/// \return 0; 12 without memory; the system's error number.
+/// \return 0; 12 without memory; 22 when an argument is null; the system's error number.
 KXQTS_EXPORT int GetBSDProcessList(kinfo_proc** list, unsigned long* count);
 
 /// Tells whether an application is running: whether a process's name holds \a name, but not
