@@ -19,7 +19,7 @@ namespace {
 constexpr BusObject authority{"org.freedesktop.PolicyKit1", "/org/freedesktop/PolicyKit1/Authority",
                               "org.freedesktop.PolicyKit1.Authority"};
 constexpr std::chrono::minutes forThePassword{5};
-constexpr std::chrono::seconds forNoQuestion{10};
+constexpr std::chrono::seconds forNoQuestion{30};
 
 /// Root may do everything as it is.
 bool isRoot() {

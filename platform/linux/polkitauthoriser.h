@@ -4,6 +4,12 @@
 
 namespace Korvex {
 
+/// What is run to become root. What is called by these paths in a test may be something else.
+struct PrivilegePrograms {
+    const char* pkexec = "/usr/bin/pkexec";
+    const char* helper = nullptr; ///< Null for the one that is installed beside the library
+};
+
 /// Authorisation by polkit.
 ///
 /// The question and the run are one action of polkit's, which names the helper program that
@@ -11,17 +17,11 @@ namespace Korvex {
 /// asked, and needs neither polkit nor its programs.
 class PolkitAuthoriser final : public Authoriser {
 public:
-    /// What is called by these paths in a test may be something else.
-    struct Programs {
-        const char* pkexec = "/usr/bin/pkexec";
-        const char* helper = nullptr; ///< Null for the one that is installed beside the library
-    };
-
     /// What the policy file calls the action.
     static constexpr const char* actionName = "com.korvex.kxqts.run-as-administrator";
 
     PolkitAuthoriser() = default;
-    explicit PolkitAuthoriser(const Programs& toUse) : programs(toUse) {}
+    explicit PolkitAuthoriser(const PrivilegePrograms& toUse) : programs(toUse) {}
 
     [[nodiscard]] OSStatus create(unsigned long flags, const AuthorizationOpaqueRef*& ref) override;
     [[nodiscard]] OSStatus copyAdministratorRight(const AuthorizationOpaqueRef* ref,
@@ -31,7 +31,7 @@ public:
     OSStatus free(const AuthorizationOpaqueRef* ref, unsigned long flags) override;
 
 private:
-    const Programs programs;
+    PrivilegePrograms programs;
 };
 
 } // namespace Korvex

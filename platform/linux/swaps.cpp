@@ -36,8 +36,9 @@ bool isEncrypted(const std::string& folder, int depth) {
         return true;
     const std::vector<std::string> below = namesIn(folder + "/slaves");
     bool encrypted = !below.empty() && depth < deepestStack;
+    const std::string slaves = folder + "/slaves/";
     for (const std::string& name : below)
-        encrypted = encrypted && isEncrypted(folder + "/slaves/" + name, depth + 1);
+        encrypted = encrypted && isEncrypted(slaves + name, depth + 1);
     return encrypted;
 }
 

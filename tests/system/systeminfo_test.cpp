@@ -141,7 +141,7 @@ TEST(UserName, IsThatOfTheEffectiveUser) {
     EXPECT_EQ(name, account->pw_name);
 }
 
-TEST(Machine, TellsModelAndSerialNumber) {
+TEST(MachineIdentity, TellsModelAndSerialNumber) {
     ScriptedSystemFacts facts;
     QString text = QStringLiteral("old");
     EXPECT_FALSE(getModel(text));
@@ -156,7 +156,7 @@ TEST(Machine, TellsModelAndSerialNumber) {
     EXPECT_EQ(text, "W80");
 }
 
-TEST(Machine, SerialNumberFits256BytesOfAscii) {
+TEST(MachineIdentity, SerialNumberFits256BytesOfAscii) {
     ScriptedSystemFacts facts;
     QString text;
     facts.serial = std::string(255, '7');
@@ -169,7 +169,7 @@ TEST(Machine, SerialNumberFits256BytesOfAscii) {
     EXPECT_FALSE(getSerialNumber(text));
 }
 
-TEST(Machine, TellsWhetherSwapIsEncrypted) {
+TEST(MachineIdentity, TellsWhetherSwapIsEncrypted) {
     ScriptedSystemFacts facts;
     bool encrypted = false;
     facts.swapIsEncrypted = true;
