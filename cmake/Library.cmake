@@ -1,6 +1,7 @@
 # libKxQts.so, as the build tree has it. Install.cmake says what becomes of it on installation.
 
 set(KXQTS_LIBDIR lib/Korvex) # below the prefix
+set(KXQTS_HELPER ${CMAKE_INSTALL_PREFIX}/${KXQTS_LIBDIR}/kxqts-run) # what polkit's policy names
 
 # The log that is open from the start is the library's own: programs made of its objects have none.
 add_library(KxQts SHARED $<TARGET_OBJECTS:kxqts_objects> messages/defaultlog.cpp)

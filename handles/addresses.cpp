@@ -175,8 +175,8 @@ bool mayBeObject(const void* handle) noexcept {
     const Use use = useOf(handle);
     if (use != Use::Unknown)
         return use != Use::Free && use != Use::Record && use != Use::Ended;
-    return !isPredefinedRoot(reinterpret_cast<std::uintptr_t>(handle)) &&
-           !wasClosedElsewhere(handle);
+    const auto value = reinterpret_cast<std::uintptr_t>(handle);
+    return !isPredefinedRoot(value) && value != eventSource && !wasClosedElsewhere(handle);
 }
 
 } // namespace Korvex::HandleAddresses

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 /// The addresses that the library gives out as handles, and what it knows of each without reading
 /// it.
@@ -53,8 +54,12 @@ void rememberClosed(const void* address) noexcept;
 /// Forgets what \ref rememberClosed remembered: the client has made a handle there again.
 void forgetClosed(const void* address) noexcept;
 
+/// The handle of the event log, behind which nothing stands.
+inline constexpr std::uintptr_t eventSource = 0x5A5A5A50;
+
 /// Whether a tagged object may stand behind a handle: it is not null, not all ones, none of the
-/// predefined registry roots, not closed as far as the library knows and none of its other records.
+/// predefined registry roots, not the event log, not closed as far as the library knows and none of
+/// its other records.
 [[nodiscard]] bool mayBeObject(const void* handle) noexcept;
 
 } // namespace Korvex::HandleAddresses

@@ -1,6 +1,6 @@
 #include "security/passwordverifier.h"
 
-#include "platform/kernelrelease.h"
+#include "platform/systemfacts.h"
 
 #include <KxQts/errors.h>
 #include <KxQts/files/knowndirectories.h>
@@ -8,6 +8,7 @@
 #include <KxQts/support/text.h>
 
 #include <cstdio>
+#include <string>
 
 namespace Korvex {
 
@@ -40,8 +41,9 @@ bool PasswordVerifier::isSupported() {
         unsigned first = 0;
         unsigned second = 0;
         unsigned third = 0;
+        const std::string release = systemFacts().kernelRelease().value_or("");
         // NOLINTNEXTLINE(*-vararg): as many numbers as there are
-        std::sscanf(kernelRelease().text().c_str(), "%u.%u.%u", &first, &second, &third);
+        std::sscanf(release.c_str(), "%u.%u.%u", &first, &second, &third);
         major = first;
         minor = second;
     }

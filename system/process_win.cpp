@@ -5,19 +5,14 @@
 #include <KxQts/system/process.h>
 
 #include "handles/classes.h"
+#include "system/wintext.h"
 
 #include <cerrno>
 #include <string>
 
+using Korvex::windowsText;
+
 namespace {
-
-QString text(const char* string) {
-    return QString::fromLatin1(string);
-}
-
-QString text(const wchar_t* string) {
-    return string ? QString::fromWCharArray(string) : QString();
-}
 
 /// The strings of a block that an empty one ends.
 template <class Character>
@@ -25,7 +20,7 @@ QStringList listFrom(const void* block) {
     QStringList strings;
     const auto* next = static_cast<const Character*>(block);
     while (next && *next != 0) {
-        strings.append(text(next));
+        strings.append(windowsText(next));
         next += std::char_traits<Character>::length(next) + 1;
     }
     return strings;
@@ -36,9 +31,9 @@ template <class Character>
 BOOL create(const Character* application, const Character* commandLine, const void* environment,
             const Character* directory, STARTUPINFOW* startupInfo,
             PROCESS_INFORMATION* processInformation) {
-    QString command = text(commandLine);
-    return createProcess(text(application), command, nullptr, nullptr, false, 0,
-                         listFrom<Character>(environment), text(directory), startupInfo,
+    QString command = windowsText(commandLine);
+    return createProcess(windowsText(application), command, nullptr, nullptr, false, 0,
+                         listFrom<Character>(environment), windowsText(directory), startupInfo,
                          processInformation)
                ? TRUE
                : FALSE;
@@ -80,14 +75,14 @@ BOOL GetExitCodeProcess(HANDLE h, LPDWORD lpExitCode) {
 
 HINSTANCE ShellExecuteA(HWND hwnd, LPCSTR operation, LPCSTR file, LPCSTR parameters,
                         LPCSTR directory, INT showCommand) {
-    return shellExecute(hwnd, text(operation), text(file), text(parameters), text(directory),
-                        showCommand);
+    return shellExecute(hwnd, windowsText(operation), windowsText(file), windowsText(parameters),
+                        windowsText(directory), showCommand);
 }
 
 HINSTANCE ShellExecuteW(HWND hwnd, LPCWSTR operation, LPCWSTR file, LPCWSTR parameters,
                         LPCWSTR directory, INT showCommand) {
-    return shellExecute(hwnd, text(operation), text(file), text(parameters), text(directory),
-                        showCommand);
+    return shellExecute(hwnd, windowsText(operation), windowsText(file), windowsText(parameters),
+                        windowsText(directory), showCommand);
 }
 
 void* shellExecute(void*, const QString&, const QString&, const QString&, const QString&, int) {

@@ -30,6 +30,7 @@
 #include <KxQts/messages/localization.h>
 #include <KxQts/messages/processhandler.h>
 #include <KxQts/refcounter.h>
+#include <KxQts/registry/loginitems.h>
 #include <KxQts/registry/prefs.h>
 #include <KxQts/registry/registry.h>
 #include <KxQts/security/accounts.h>
@@ -38,7 +39,13 @@
 #include <KxQts/support/text.h>
 #include <KxQts/system/commandline.h>
 #include <KxQts/system/currentprocess.h>
+#include <KxQts/system/eventlog.h>
+#include <KxQts/system/privileged.h>
 #include <KxQts/system/process.h>
+#include <KxQts/system/processlist.h>
+#include <KxQts/system/randominput.h>
+#include <KxQts/system/sessioncontrol.h>
+#include <KxQts/system/systeminfo.h>
 #include <KxQts/windows.h>
 
 #include <QMessageBox>

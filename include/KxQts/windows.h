@@ -8,6 +8,7 @@
 
 #include <KxQts/winapi/crt.h>
 #include <KxQts/winapi/errors.h>
+#include <KxQts/winapi/eventlog.h>
 #include <KxQts/winapi/files.h>
 #include <KxQts/winapi/filesystem.h>
 #include <KxQts/winapi/find.h>
@@ -22,6 +23,7 @@
 #include <KxQts/winapi/profiles.h>
 #include <KxQts/winapi/registry.h>
 #include <KxQts/winapi/security.h>
+#include <KxQts/winapi/systeminfo.h>
 #include <KxQts/winapi/text.h>
 #include <KxQts/winapi/threads.h>
 #include <KxQts/winapi/types.h>

@@ -1,10 +1,13 @@
 #include "platform/corefoundation/string.h"
 
+#include "platform/corefoundation/encodings.h"
+
 #include <QHashFunctions>
 
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <optional>
 
 using namespace Korvex::Cf;
 
@@ -29,10 +32,29 @@ CFStringRef makeString(QStringView text) {
 }
 
 void freeString(const __CFString* string) {
+    delete[] string->bytes.load(std::memory_order_acquire);
+    string->~__CFString();
     ::operator delete(const_cast<__CFString*>(string));
 }
 
 } // namespace Korvex::Cf
+
+namespace {
+
+/// The 8-bit form of a text, for its object to keep; null for a text that is not the same bytes in
+/// every encoding.
+char* makeBytes(const QString& text) {
+    const std::optional<QByteArray> bytes = encode(text, kCFStringEncodingASCII);
+    if (!bytes || bytes->contains('\0'))
+        return nullptr;
+    const auto size = static_cast<std::size_t>(bytes->size()) + 1;
+    char* const made = new (std::nothrow) char[size];
+    if (made)
+        std::memcpy(made, bytes->constData(), size);
+    return made;
+}
+
+} // namespace
 
 CFTypeID CFStringGetTypeID(void) {
     return static_cast<CFTypeID>(Type::String);
@@ -69,8 +91,18 @@ const UniChar* CFStringGetCharactersPtr(CFStringRef string) {
     return string ? reinterpret_cast<const UniChar*>(string->characters) : nullptr;
 }
 
-const char* CFStringGetCStringPtr(CFStringRef, CFStringEncoding) {
-    return nullptr;
+const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding) {
+    if (!string || !encode(QString(), encoding))
+        return nullptr;
+    if (const char* made = string->bytes.load(std::memory_order_acquire))
+        return made;
+    char* const made = makeBytes(text(string));
+    char* others = nullptr;
+    if (!string->bytes.compare_exchange_strong(others, made, std::memory_order_acq_rel)) {
+        delete[] made; // another thread was faster
+        return others;
+    }
+    return made;
 }
 
 CFComparisonResult CFStringCompare(CFStringRef one, CFStringRef other, CFOptionFlags) {

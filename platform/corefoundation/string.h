@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringView>
 
+#include <atomic>
+
 /// A string. The code units stand behind it in memory, or elsewhere for a constant.
 struct __CFString : Korvex::Cf::Object {
     constexpr __CFString(const char16_t* text, CFIndex length, bool counted)
@@ -14,6 +16,7 @@ struct __CFString : Korvex::Cf::Object {
 
     const char16_t* const characters;
     const CFIndex count;
+    mutable std::atomic<char*> bytes{nullptr}; ///< The 8-bit form, once it was asked for
 };
 
 namespace Korvex::Cf {

@@ -52,6 +52,10 @@ TEST(Handle, PredefinedRegistryRootsAreRefusedUnread) {
         expectRefused(valueAsHandle(root));
 }
 
+TEST(Handle, EventLogIsRefusedUnread) {
+    expectRefused(valueAsHandle(Korvex::HandleAddresses::eventSource));
+}
+
 TEST(Handle, RecordsThatAreNoTaggedObjectsAreRefusedUnread) {
     void* record = Korvex::HandleAddresses::take(Korvex::HandleAddresses::Use::Record);
     expectRefused(record);

@@ -120,6 +120,34 @@ TEST(CoreFoundation, StringsKeepEveryCodeUnit) {
     EXPECT_EQ(CFStringGetCStringPtr(asString(made), kCFStringEncodingUTF8), nullptr);
 }
 
+TEST(CoreFoundation, PlainStringsShowTheirBytes) {
+    const Object made = text("10.6.8");
+    const char* const bytes = CFStringGetCStringPtr(asString(made), CFStringGetSystemEncoding());
+    EXPECT_STREQ(bytes, "10.6.8");
+    EXPECT_EQ(CFStringGetCStringPtr(asString(made), kCFStringEncodingUTF8), bytes) << "one form";
+    EXPECT_EQ(CFStringGetCStringPtr(asString(made), 0x0100), nullptr) << "unknown encoding";
+    EXPECT_STREQ(CFStringGetCStringPtr(asString(text(QString())), kCFStringEncodingASCII), "");
+    EXPECT_EQ(CFStringGetCStringPtr(nullptr, kCFStringEncodingASCII), nullptr);
+    EXPECT_EQ(CFStringGetCStringPtr(asString(text("a\u00e9")), kCFStringEncodingISOLatin1),
+              nullptr);
+    EXPECT_EQ(CFStringGetCStringPtr(asString(text(QString(QChar(0)))), kCFStringEncodingASCII),
+              nullptr);
+}
+
+TEST(CoreFoundation, ThreadsShareTheBytesOfAString) {
+    const Object made = text("shared");
+    std::array<const char*, 4> seen{};
+    std::vector<std::thread> threads;
+    for (const char*& bytes : seen)
+        threads.emplace_back(
+            [&] { bytes = CFStringGetCStringPtr(asString(made), kCFStringEncodingASCII); });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const char* bytes : seen)
+        EXPECT_EQ(bytes, seen[0]);
+    EXPECT_STREQ(seen[0], "shared");
+}
+
 TEST(CoreFoundation, RangesOutsideAStringAreLeftOut) {
     const Object made = text("abc");
     std::array<UniChar, 4> buffer{7, 7, 7, 7};

@@ -1,6 +1,6 @@
 #include "security/passwordverifier.h"
 
-#include "fakes/kernelrelease.h"
+#include "fakes/systemfacts.h"
 #include "modules/emptyfolder.h"
 #include "security/memorysearch.h"
 
@@ -28,6 +28,7 @@ class Verifier : public testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(machine.mounted);
+        facts.release = "10.8.0";
         std::filesystem::create_directory("/usr/local/lib/Korvex");
     }
     ~Verifier() override { unload(); }
@@ -43,7 +44,7 @@ protected:
     }
 
     KxTest::EmptyFolderOver machine{"/usr/local/lib"};
-    KxTest::FakeKernelRelease release{"10.8.0"};
+    KxTest::ScriptedSystemFacts facts;
     PasswordVerifier verifier;
 };
 
@@ -61,30 +62,30 @@ TEST_F(Verifier, NeedsReleaseTen) {
     install(KXTEST_VERIFIER);
     for (const char* text : {"9.8.0", "6.18.44", "0.0.0", "", "no number"}) {
         PasswordVerifier other;
-        release.release = text;
+        facts.release = text;
         EXPECT_EQ(other.verify(user, password), 9000u) << text;
         EXPECT_EQ(GetModuleHandleA(verifierPath), nullptr) << "nothing is loaded";
     }
     for (const char* text : {"10.0.0", "10", "12.1", "100.2.3.4-rest", "20-rc1"}) {
         PasswordVerifier other;
-        release.release = text;
+        facts.release = text;
         EXPECT_EQ(other.verify(user, password), 0u) << text;
     }
 }
 
 TEST_F(Verifier, ReadsTheReleaseAgainOnlyWhileItsMajorNumberIsZero) {
     install(KXTEST_VERIFIER);
-    release.release = "";
+    facts.release = "";
     EXPECT_EQ(verifier.verify(user, password), 9000u);
-    release.release = "0.9";
+    facts.release = "0.9";
     EXPECT_EQ(verifier.verify(user, password), 9000u);
-    EXPECT_EQ(release.asked, 2);
-    release.release = "9.8.0";
+    EXPECT_EQ(facts.releaseQuestions, 2);
+    facts.release = "9.8.0";
     EXPECT_EQ(verifier.verify(user, password), 9000u);
-    EXPECT_EQ(release.asked, 3);
-    release.release = "10.8.0";
+    EXPECT_EQ(facts.releaseQuestions, 3);
+    facts.release = "10.8.0";
     EXPECT_EQ(verifier.verify(user, password), 9000u) << "known by now";
-    EXPECT_EQ(release.asked, 3);
+    EXPECT_EQ(facts.releaseQuestions, 3);
 }
 
 TEST_F(Verifier, MayComeLater) {
@@ -153,7 +154,7 @@ TEST_F(Verifier, IsWhatTheCallAsks) {
 }
 
 TEST(KxVerifyUserPassword, TellsThatThisSystemHasNoVerifiers) {
-    const int major = std::atoi(Korvex::kernelRelease().text().c_str());
+    const int major = std::atoi(Korvex::systemFacts().kernelRelease().value_or("").c_str());
     ASSERT_GT(major, 0);
     if (major < 10) {
         EXPECT_EXIT(std::_Exit(KxVerifyUserPassword("root", "x") == 9000 ? 0 : 1),

@@ -1,6 +1,6 @@
 #include "common/program.h"
 #include "common/scratchfile.h"
-#include "fakes/kernelrelease.h"
+#include "fakes/systemfacts.h"
 #include "modules/emptyfolder.h"
 
 #include <KxQts/security/accounts.h>
@@ -86,7 +86,8 @@ protected:
 };
 
 [[noreturn]] void askThroughTheCall() {
-    const KxTest::FakeKernelRelease release("10.8.0");
+    KxTest::ScriptedSystemFacts facts;
+    facts.release = "10.8.0";
     const bool right = KxVerifyUserPassword("kxann", "pass word") == 0;
     const bool wrong = KxVerifyUserPassword("kxann", "password") == 7;
     std::_Exit(right && wrong ? 0 : 1);

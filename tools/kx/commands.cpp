@@ -7,15 +7,23 @@ namespace Kx {
 
 // A subcommand is defined in the file of its name, and has one line here and one in the table.
 extern const Command disks;
+extern const Command loginItems;
 extern const Command map;
 extern const Command mutexes;
 extern const Command reg;
+extern const Command system;
 extern const Command volumes;
 
 namespace {
 
 constexpr std::array table{
-    &disks, &map, &mutexes, &reg, &volumes,
+    &disks,
+    &loginItems,
+    &map,
+    &mutexes,
+    &reg,
+    &system,
+    &volumes,
 };
 
 } // namespace

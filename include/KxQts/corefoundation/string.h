@@ -47,7 +47,9 @@ KXQTS_C_API void CFStringGetCharacters(CFStringRef string, CFRange range, UniCha
 /// follows the last one.
 KXQTS_C_API const UniChar* CFStringGetCharactersPtr(CFStringRef string);
 
-/// The text in 8-bit form without a copy: always null, strings are kept as UTF-16.
+/// The text in 8-bit form, valid as long as the string is.
+/// \return Null for text that is not all ASCII or holds a zero, which is kept as UTF-16 alone, and
+/// for an encoding not listed above.
 KXQTS_C_API const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding);
 
 /// Writes the text in 8-bit form and a zero byte.

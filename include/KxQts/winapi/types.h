@@ -109,6 +109,8 @@ typedef void* HWND;
 typedef void* HKEY;
 typedef HKEY* PHKEY;
 typedef void* HKL;
+typedef void* PSID; ///< Accepted where Windows accepts it, and never read
+typedef DWORD LCID; ///< Accepted where Windows accepts it, and ignored
 typedef LONG HRESULT;
 
 #define FALSE 0
