@@ -11,7 +11,7 @@ typedef int32_t OSStatus;
 
 enum {
     noErr = 0,
-    nsvErr = -35,              ///< There is no such volume
+    nsvErr = -35,             ///< There is no such volume
     procNotFound = -600,      ///< There is no such process
     connectionInvalid = -609, ///< Nobody is there to take the request
     errAEEventNotHandled = -1708,

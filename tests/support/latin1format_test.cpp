@@ -14,7 +14,7 @@ namespace {
 QByteArray format(const char* text, ...) {
     va_list args;
     va_start(args, text);
-    const QByteArray result = Korvex::formatLatin1(text, args);
+    QByteArray result = Korvex::formatLatin1(text, args);
     va_end(args);
     return result;
 }
@@ -23,7 +23,7 @@ QByteArray format(const char* text, ...) {
 QByteArray byQt(const char* text, ...) {
     va_list args;
     va_start(args, text);
-    const QByteArray result = QString::vasprintf(text, args).toLatin1();
+    QByteArray result = QString::vasprintf(text, args).toLatin1();
     va_end(args);
     return result;
 }

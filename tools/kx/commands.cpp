@@ -17,13 +17,7 @@ extern const Command volumes;
 namespace {
 
 constexpr std::array table{
-    &disks,
-    &loginItems,
-    &map,
-    &mutexes,
-    &reg,
-    &system,
-    &volumes,
+    &disks, &loginItems, &map, &mutexes, &reg, &system, &volumes,
 };
 
 } // namespace

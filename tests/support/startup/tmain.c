@@ -5,6 +5,9 @@
 
 #include <string.h>
 
+/* C has no nullptr. */
+/* NOLINTBEGIN(modernize-use-nullptr) */
+
 #define CHECK(condition)                                                                           \
     do {                                                                                           \
         if (!(condition)) {                                                                        \
@@ -111,3 +114,5 @@ int _tmain(int argc, TCHAR* argv[]) {
         printf(" %x", (unsigned)*c & (sizeof(TCHAR) == 1 ? 0xFFu : 0xFFFFFFFFu));
     return 0;
 }
+
+/* NOLINTEND(modernize-use-nullptr) */

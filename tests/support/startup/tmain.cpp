@@ -1,2 +1,2 @@
 // The same source as C++.
-#include "tmain.c"
+#include "tmain.c" // NOLINT(bugprone-suspicious-include)
