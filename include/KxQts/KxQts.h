@@ -8,6 +8,7 @@
 #include <KxQts/daemon/registry.h>
 #include <KxQts/daemon/session.h>
 #include <KxQts/disk/diskobjects.h>
+#include <KxQts/disk/diskutility.h>
 #include <KxQts/disk/sectormap.h>
 #include <KxQts/disk/volumeid.h>
 #include <KxQts/disk/volumeinfo.h>

@@ -51,12 +51,8 @@ LoopDisk::~LoopDisk() {
 void LoopDisk::detach() {
     if (descriptor < 0)
         return;
-    for (int number = 1; number <= 16; ++number) {
-        blkpg_partition partition{};
-        partition.pno = number;
-        blkpg_ioctl_arg argument{BLKPG_DEL_PARTITION, 0, sizeof partition, &partition};
-        ioctl(descriptor, BLKPG, &argument);
-    }
+    for (unsigned number = 1; number <= 16; ++number)
+        removePartition(number);
     ioctl(descriptor, LOOP_CLR_FD);
     close(descriptor);
     descriptor = -1;
@@ -82,6 +78,13 @@ bool LoopDisk::addPartition(unsigned number, unsigned long long start,
     blkpg_ioctl_arg argument{BLKPG_ADD_PARTITION, 0, sizeof partition, &partition};
     return ioctl(descriptor, BLKPG, &argument) == 0 &&
            access(partitionPath(number).c_str(), F_OK) == 0;
+}
+
+void LoopDisk::removePartition(unsigned number) const {
+    blkpg_partition partition{};
+    partition.pno = static_cast<int>(number);
+    blkpg_ioctl_arg argument{BLKPG_DEL_PARTITION, 0, sizeof partition, &partition};
+    ioctl(descriptor, BLKPG, &argument);
 }
 
 bool LoopDisk::write(unsigned long long place, const void* bytes, unsigned long size) const {

@@ -26,6 +26,9 @@ public:
     [[nodiscard]] bool addPartition(unsigned number, unsigned long long start,
                                     unsigned long long length) const;
 
+    /// Takes a partition away from the kernel's list.
+    void removePartition(unsigned number) const;
+
     /// Takes the medium out of the drive. Nobody else may use it.
     void detach();
 
