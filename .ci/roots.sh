@@ -96,6 +96,6 @@ enter_root() {
     exec env -i PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin HOME=/root \
         CI="${CI-}" CCACHE_DIR="$CCACHE_DIR" CCACHE_BASEDIR="$CCACHE_BASEDIR" \
         bash -euc 'umount -l /mnt; cd "$1"; shift
-            source .ci/steps.sh; source .ci/roots.sh; "$@"' \
+            source .ci/steps.sh; source .ci/roots.sh; source .ci/packages.sh; "$@"' \
         "$0" "$OLDPWD" "$@"
 }
