@@ -12,14 +12,21 @@ heading() {
     printf '\n== %s\n' "$*"
 }
 
-# Packages of the given groups that are not installed.
-missing_packages() {
+# The packages of the given groups of cmake/debian-packages.txt.
+packages_of() {
     local name group _
     while read -r name group _; do
-        [[ " $* " == *" $group "* ]] || continue
+        [[ " $* " != *" $group "* ]] || echo "$name"
+    done < <(grep -v '^#' cmake/debian-packages.txt)
+}
+
+# Those of them that are not installed.
+missing_packages() {
+    local name
+    while read -r name; do
         dpkg-query -W -f '${db:Status-Status}\n' "$name" 2>/dev/null | grep -qx installed ||
             echo "$name"
-    done < <(grep -v '^#' cmake/debian-packages.txt)
+    done < <(packages_of "$@")
 }
 
 # Installs what is missing. Without the right to do so it says how, and the run ends.
@@ -66,6 +73,13 @@ run_tests() {
     printf '\nSkipped tests: %s\n' "$(skipped_tests "$log")"
     closing_line "$log"
     return "$result"
+}
+
+# All of the above for one preset.
+build_and_test() {
+    configure "$1"
+    build "$1"
+    run_tests "$1"
 }
 
 skipped_tests() {

@@ -10,12 +10,16 @@ install(
     TARGETS KxQts kxqts_windows kxmain
     EXPORT KxQtsTargets
     LIBRARY DESTINATION ${KXQTS_LIBDIR}
-    ARCHIVE DESTINATION ${KXQTS_LIBDIR})
+    ARCHIVE DESTINATION ${KXQTS_LIBDIR} COMPONENT development)
 install(
     EXPORT KxQtsTargets
     NAMESPACE KxQts::
-    DESTINATION ${KXQTS_PACKAGEDIR})
-install(DIRECTORY include/KxQts DESTINATION include)
+    DESTINATION ${KXQTS_PACKAGEDIR}
+    COMPONENT development)
+install(
+    DIRECTORY include/KxQts
+    DESTINATION include
+    COMPONENT development)
 
 configure_package_config_file(
     ${KXQTS_TEMPLATES}/KxQtsConfig.cmake.in ${PROJECT_BINARY_DIR}/KxQtsConfig.cmake
@@ -23,12 +27,17 @@ configure_package_config_file(
     NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/KxQtsConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/KxQtsConfig.cmake
-              ${PROJECT_BINARY_DIR}/KxQtsConfigVersion.cmake DESTINATION ${KXQTS_PACKAGEDIR})
+install(
+    FILES ${PROJECT_BINARY_DIR}/KxQtsConfig.cmake ${PROJECT_BINARY_DIR}/KxQtsConfigVersion.cmake
+    DESTINATION ${KXQTS_PACKAGEDIR}
+    COMPONENT development)
 
 foreach(module kxqts kxqts-windows)
     configure_file(${KXQTS_TEMPLATES}/${module}.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
-    install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION lib/pkgconfig)
+    install(
+        FILES ${PROJECT_BINARY_DIR}/${module}.pc
+        DESTINATION lib/pkgconfig
+        COMPONENT development)
 endforeach()
 
 # The compiler wrapper finds the library from its own place, and Qt where this build found it.
@@ -61,4 +70,7 @@ endfunction()
 
 kxqts_find_qt()
 configure_file(${KXQTS_TEMPLATES}/kxcc.in ${PROJECT_BINARY_DIR}/kxcc @ONLY)
-install(PROGRAMS ${PROJECT_BINARY_DIR}/kxcc DESTINATION bin)
+install(
+    PROGRAMS ${PROJECT_BINARY_DIR}/kxcc
+    DESTINATION bin
+    COMPONENT development)

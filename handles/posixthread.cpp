@@ -127,7 +127,7 @@ bool Thread::SetPriority(int newPriority) {
 }
 
 unsigned int Thread::GetCurrentId() {
-    return static_cast<unsigned int>(reinterpret_cast<std::uintptr_t>(pthread_self()));
+    return static_cast<unsigned int>(std::uintptr_t(pthread_self()));
 }
 
 } // namespace Korvex

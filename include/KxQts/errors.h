@@ -16,7 +16,10 @@ inline constexpr int StatusNoFolder = -1407;
 /// No memory
 inline constexpr int StatusNoMemory = -108;
 /// @{
+
+/// A transfer failed
 inline constexpr int StatusReadFailed = -36;
+/// Success
 inline constexpr int None = 0;
 /// Nothing found by a search that reached its end
 inline constexpr int InvalidFunction = 1;

@@ -105,10 +105,17 @@ Boolean storeInteger(const __CFNumber& number, void* value) {
     return whole.exact && stored == whole.value ? 1 : 0;
 }
 
+/// A number with the digits that memory has room for: registers of some processors hold more.
+template <class T>
+T asMemoryHolds(T value) {
+    const volatile T held = value;
+    return held;
+}
+
 template <class T>
 Boolean storeReal(const __CFNumber& number, void* value) {
-    const double real = asReal(number);
-    const auto stored = static_cast<T>(real);
+    const double real = asMemoryHolds(asReal(number));
+    const auto stored = asMemoryHolds(static_cast<T>(real));
     std::memcpy(value, &stored, sizeof stored);
     if (std::isnan(real))
         return 1;

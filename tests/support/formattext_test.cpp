@@ -95,7 +95,8 @@ TEST(FormatText, AnEmptyResultIsTheNullString) {
 
 TEST(FormatText, WhatCannotBeFormattedGivesTheNullString) {
     QString out = QStringLiteral("before");
-    EXPECT_LT(formatWithWCharQString(out, QStringLiteral("%5s|"), "\xFF"), 0);
+    const char* const noText = "\xFF"; // const: an argument list may be a char*
+    EXPECT_LT(formatWithWCharQString(out, QStringLiteral("%5s|"), noText), 0);
     EXPECT_TRUE(out.isNull());
 }
 

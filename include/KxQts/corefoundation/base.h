@@ -40,6 +40,7 @@ typedef struct CFRange {
     CFIndex length;
 } CFRange;
 
+/// A range from its first place and its length.
 static inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
     CFRange range;
     range.location = location;

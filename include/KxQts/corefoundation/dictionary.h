@@ -40,6 +40,7 @@ KXQTS_C_API const CFDictionaryKeyCallBacks kCFCopyStringDictionaryKeyCallBacks;
 /// For values that are property-list objects.
 KXQTS_C_API const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
 
+/// The type of dictionaries, as `CFGetTypeID` gives it.
 KXQTS_C_API CFTypeID CFDictionaryGetTypeID(void);
 
 /// Makes a dictionary that never changes. Of equal keys the first one counts.
@@ -48,6 +49,7 @@ KXQTS_C_API CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const v
                                                const void** values, CFIndex count,
                                                const CFDictionaryKeyCallBacks* keyCallBacks,
                                                const CFDictionaryValueCallBacks* valueCallBacks);
+/// Makes a dictionary of another's entries that never changes.
 KXQTS_C_API CFDictionaryRef CFDictionaryCreateCopy(CFAllocatorRef allocator,
                                                    CFDictionaryRef dictionary);
 
@@ -55,12 +57,17 @@ KXQTS_C_API CFDictionaryRef CFDictionaryCreateCopy(CFAllocatorRef allocator,
 KXQTS_C_API CFMutableDictionaryRef CFDictionaryCreateMutable(
     CFAllocatorRef allocator, CFIndex capacity, const CFDictionaryKeyCallBacks* keyCallBacks,
     const CFDictionaryValueCallBacks* valueCallBacks);
+/// Makes a dictionary of another's entries that can be changed.
+/// \param capacity A hint, and no limit.
 KXQTS_C_API CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator,
                                                                  CFIndex capacity,
                                                                  CFDictionaryRef dictionary);
 
+/// How many entries there are.
 KXQTS_C_API CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
+/// Whether there is an entry of a key.
 KXQTS_C_API Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
+/// Whether an entry has a value.
 KXQTS_C_API Boolean CFDictionaryContainsValue(CFDictionaryRef dictionary, const void* value);
 
 /// The value of a key; null when there is none.
@@ -81,6 +88,7 @@ KXQTS_C_API void CFDictionaryApplyFunction(CFDictionaryRef dictionary,
 /// \name Changes
 /// They do nothing to a dictionary that never changes and when there is no memory.
 /// @{
+
 /// Adds an entry if there is none of that key.
 KXQTS_C_API void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key,
                                       const void* value);
@@ -90,6 +98,8 @@ KXQTS_C_API void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const v
 /// Replaces the value of a key that there is.
 KXQTS_C_API void CFDictionaryReplaceValue(CFMutableDictionaryRef dictionary, const void* key,
                                           const void* value);
+/// Removes the entry of a key.
 KXQTS_C_API void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
+/// Removes all entries.
 KXQTS_C_API void CFDictionaryRemoveAllValues(CFMutableDictionaryRef dictionary);
 /// @}

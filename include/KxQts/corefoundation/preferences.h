@@ -13,9 +13,13 @@
 
 #include <KxQts/corefoundation/base.h>
 
+/// The scope of the machine, with `kCFPreferencesCurrentHost`.
 KXQTS_C_API const CFStringRef kCFPreferencesAnyUser;
+/// The scope of the user, with `kCFPreferencesAnyHost`.
 KXQTS_C_API const CFStringRef kCFPreferencesCurrentUser;
+/// The host that goes with the scope of the user.
 KXQTS_C_API const CFStringRef kCFPreferencesAnyHost;
+/// The host that goes with the scope of the machine.
 KXQTS_C_API const CFStringRef kCFPreferencesCurrentHost;
 
 /// A value that the caller owns; null when there is none or the domain cannot be read.
@@ -39,8 +43,12 @@ KXQTS_C_API Boolean CFPreferencesSynchronize(CFStringRef applicationID, CFString
 /// \name Application values
 /// As above for the current user only, or for a domain named by an absolute path.
 /// @{
+
+/// See `CFPreferencesCopyValue`.
 KXQTS_C_API CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID);
+/// See `CFPreferencesSetValue`.
 KXQTS_C_API void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value,
                                           CFStringRef applicationID);
+/// See `CFPreferencesSynchronize`.
 KXQTS_C_API Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
 /// @}

@@ -23,6 +23,7 @@ enum {
     kCFNumberCFIndexType = 14
 };
 
+/// The type of numbers, as `CFGetTypeID` gives it.
 KXQTS_C_API CFTypeID CFNumberGetTypeID(void);
 
 /// Makes a number. \param value What it points to has the type that \a type says.
@@ -42,13 +43,17 @@ KXQTS_C_API CFNumberType CFNumberGetType(CFNumberRef number);
 /// Whether the number is a floating-point one.
 KXQTS_C_API Boolean CFNumberIsFloatType(CFNumberRef number);
 
+/// The type of truth values, as `CFGetTypeID` gives it.
 KXQTS_C_API CFTypeID CFBooleanGetTypeID(void);
+/// Truth. It is never freed.
 KXQTS_C_API const CFBooleanRef kCFBooleanTrue;
+/// Its opposite. It is never freed.
 KXQTS_C_API const CFBooleanRef kCFBooleanFalse;
 
 /// Whether an object is `kCFBooleanTrue`. There are two objects of this type only.
 KXQTS_C_API Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
+/// The type of data objects, as `CFGetTypeID` gives it.
 KXQTS_C_API CFTypeID CFDataGetTypeID(void);
 
 /// Makes data of \a count bytes, which are copied.
@@ -60,6 +65,7 @@ KXQTS_C_API CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes,
 KXQTS_C_API CFDataRef CFDataCreateWithBytesNoCopy(CFAllocatorRef allocator, const UInt8* bytes,
                                                   CFIndex count, CFAllocatorRef bytesDeallocator);
 
+/// How many bytes there are.
 KXQTS_C_API CFIndex CFDataGetLength(CFDataRef data);
 
 /// The bytes, valid as long as the object is.
@@ -71,6 +77,9 @@ KXQTS_C_API void CFDataGetBytes(CFDataRef data, CFRange range, UInt8* buffer);
 /// Seconds since the beginning of 2001, UTC.
 typedef double CFAbsoluteTime;
 
+/// The type of dates, as `CFGetTypeID` gives it.
 KXQTS_C_API CFTypeID CFDateGetTypeID(void);
+/// Makes a date.
 KXQTS_C_API CFDateRef CFDateCreate(CFAllocatorRef allocator, CFAbsoluteTime at);
+/// The time of a date.
 KXQTS_C_API CFAbsoluteTime CFDateGetAbsoluteTime(CFDateRef date);

@@ -14,6 +14,7 @@ enum {
     kCFStringEncodingUTF8 = 0x08000100
 };
 
+/// The type of strings, as `CFGetTypeID` gives it.
 KXQTS_C_API CFTypeID CFStringGetTypeID(void);
 
 /// Makes a string of \a count code units.

@@ -8,6 +8,7 @@ typedef CFIndex CFURLPathStyle;
 
 enum { kCFURLPOSIXPathStyle = 0, kCFURLHFSPathStyle = 1, kCFURLWindowsPathStyle = 2 };
 
+/// The type of URLs, as `CFGetTypeID` gives it.
 KXQTS_C_API CFTypeID CFURLGetTypeID(void);
 
 /// Makes a URL of the bytes of a path.

@@ -67,11 +67,11 @@ using Korvex::ZRDaemonSocket;
 /// \param cmd 6 runs \a text as a shell command line with the daemon's rights.
 /// \param timeoutSeconds How long the status is waited for; 0 stands for 1.
 /// \param text Sent as Latin-1, at most 2047 bytes. May be null.
-/// \param params,count See \ref ZRDaemonSocket::sendDataToSocket.
+/// \param params,count See `ZRDaemonSocket::sendDataToSocket`.
 /// \param message Receives, when given, what went wrong; left alone after a success. One of "socket
 /// locked", "init failed(E)", "sendData failed(E)", "getData failed(E/C)", "(status =S)", where E
 /// is the socket's last error, C the echoed command code and S the status, in decimal. \return The
-/// daemon's status; 30761 when another session takes too long; otherwise as \ref ZRDaemonSocket
+/// daemon's status; 30761 when another session takes too long; otherwise as `ZRDaemonSocket`
 /// says. A response that echoes another command code gives 0 with the message "getData failed":
 /// callers rely on it.
 KXQTS_EXPORT int CallDaemonSession(unsigned cmd, unsigned timeoutSeconds, const QString* text,

@@ -49,6 +49,7 @@ struct Exchange {
         return result;
     }
 
+    /// What the response says beside its payload.
     [[nodiscard]] ResponseBody body() const {
         ResponseBody copied{};
         std::memcpy(&copied, response.body, sizeof copied);

@@ -12,7 +12,7 @@
 
 namespace Korvex::DaemonRegistry {
 
-/// Command codes. Each names a key; all but \ref EnumerateValues also a value of it.
+/// Command codes. Each names a key; all but `EnumerateValues` also a value of it.
 enum Command : unsigned {
     ReadValue = 1,       ///< Payload of the response: the value's bytes
     SetValue = 2,        ///< Payload of the request: the bytes. A missing key is made
@@ -27,7 +27,7 @@ enum Status : unsigned {
     NoSuchValue = 2,  ///< There is no such key or value
     NotStored = 5,    ///< The value could not be written
     BadRequest = 22,  ///< An unknown command, a text without end, an empty key, a bad payload
-    TooMuchData = 122 ///< The answer has more than \ref longestPayload bytes
+    TooMuchData = 122 ///< The answer has more than `longestPayload` bytes
 };
 
 /// The longest payload in either direction, in bytes: what surely arrives in one piece.
@@ -36,7 +36,7 @@ inline constexpr int longestPayload = 16'384;
 /// What `_D_REG_REQUEST::body` holds. Numbers are in the byte order of the machine; what is not
 /// used is zero.
 struct RequestBody {
-    unsigned valueType; ///< \ref SetValue: a registry type, 1, 3, 4 or 11
+    unsigned valueType; ///< `SetValue`: a registry type, 1, 3, 4 or 11
     unsigned reserved[2];
     char key[1280];  ///< The key's path, names between slashes: UTF-8, ended by a zero byte
     char name[1032]; ///< The value's name: UTF-8, ended by a zero byte; may be empty
@@ -46,8 +46,8 @@ static_assert(sizeof(RequestBody) == sizeof(_D_REG_REQUEST::body) &&
 
 /// What `_D_REG_RESPONSE::body` holds.
 struct ResponseBody {
-    unsigned valueType; ///< \ref ReadValue: the registry type, 1, 3 or 4
-    unsigned count;     ///< \ref EnumerateValues: how many names there are
+    unsigned valueType; ///< `ReadValue`: the registry type, 1, 3 or 4
+    unsigned count;     ///< `EnumerateValues`: how many names there are
     unsigned reserved[2];
 };
 static_assert(sizeof(ResponseBody) == sizeof(_D_REG_RESPONSE::body));

@@ -78,10 +78,10 @@ using Korvex::WDaemonSocket;
 ///
 /// Any number of threads may have sessions at the same time; those of one thread follow each other.
 /// \param timeoutSeconds How long the response is waited for; 0 stands for 1.
-/// \param params,count,data,len See \ref WDaemonSocket::send.
+/// \param params,count,data,len See `WDaemonSocket::send`.
 /// \param out,outLen Receive the data of a successful response, when both are given: *\a outLen is
 /// the room in bytes before and the count of bytes copied after. Left alone otherwise.
-/// \return The daemon's status; 56, 57, 22 or 101 as \ref WDaemonSocket says; 5 when the connection
+/// \return The daemon's status; 56, 57, 22 or 101 as `WDaemonSocket` says; 5 when the connection
 /// broke or the response is no answer to this request: shorter than 12 bytes, a length that is not
 /// the one received, another command code.
 KXQTS_EXPORT int daemonSession(unsigned short port, unsigned cmd, unsigned timeoutSeconds,

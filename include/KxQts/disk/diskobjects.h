@@ -17,7 +17,7 @@ struct __DASession;
 
 namespace Korvex {
 
-/// The names of properties, by the numbers that \ref WDiskProps takes. Numbers never change.
+/// The names of properties, by the numbers that `WDiskProps` takes. Numbers never change.
 ///
 /// | Number | Name             | Type    | Number | Name             | Type    |
 /// |--------|------------------|---------|--------|------------------|---------|
@@ -128,12 +128,16 @@ public:
 
 /// \param bsdName "disk1" or "disk1s2", without a folder.
 KXQTS_EXPORT WDiskProps* createFromBSDName(const char* bsdName);
+/// \param bsdName "disk1" or "disk1s2", without a folder.
 KXQTS_EXPORT WDiskProps* createFromBSDName(const QString& bsdName);
 /// \param id The volume number 0 means the whole disk.
 KXQTS_EXPORT WDiskProps* createFromDvID(KX_DEV_VOL_UNION id);
 
+/// \param bsdName "disk1" or "disk1s2", without a folder.
 KXQTS_EXPORT WDiskManager* diskManagerFromBSDName(const char* bsdName);
+/// \param bsdName "disk1" or "disk1s2", without a folder.
 KXQTS_EXPORT WDiskManager* diskManagerFromBSDName(const QString& bsdName);
+/// \param id The volume number 0 means the whole disk.
 KXQTS_EXPORT WDiskManager* diskManagerFromDvID(KX_DEV_VOL_UNION id);
 /// @}
 

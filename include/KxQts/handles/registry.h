@@ -24,7 +24,9 @@ public:
     HandleRegistry(const HandleRegistry&) = delete;
     HandleRegistry& operator=(const HandleRegistry&) = delete;
 
+    /// How many objects are live.
     [[nodiscard]] std::size_t size() const { return members->inOrder.size(); }
+    /// Whether none is.
     [[nodiscard]] bool isEmpty() const { return members->inOrder.empty(); }
 
     /// Whether an object is live. Any pointer may be asked for.
@@ -42,7 +44,9 @@ public:
         return place < size() ? *std::next(begin(), static_cast<std::ptrdiff_t>(place)) : nullptr;
     }
 
+    /// The oldest object.
     [[nodiscard]] const_iterator begin() const { return members->inOrder.begin(); }
+    /// Behind the newest object.
     [[nodiscard]] const_iterator end() const { return members->inOrder.end(); }
 
     /// Adds a live object behind all others. Nothing has changed when it throws `std::bad_alloc`.

@@ -16,9 +16,13 @@ struct KXQTS_EXPORT HandleStorage {
     static void* operator new(std::size_t size);
     /// Gives null when there is no memory.
     static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+    /// Makes an object in a given place, of whatever kind.
     static void* operator new(std::size_t, void* place) noexcept { return place; }
+    /// Gives an address back.
     static void operator delete(void* object) noexcept;
+    /// Gives an address back.
     static void operator delete(void* object, const std::nothrow_t&) noexcept;
+    /// Leaves the given place alone.
     static void operator delete(void*, void*) noexcept {}
 };
 

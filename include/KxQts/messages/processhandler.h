@@ -30,7 +30,7 @@ class KXQTS_EXPORT engineHandler : public IProcessHandler {
 public:
     static constexpr int sLevel = 1;
 
-    /// Opens the library's log, see \ref WLogFile: in the folder of an installation in progress, or
+    /// Opens the library's log, see `WLogFile`: in the folder of an installation in progress, or
     /// else beside the library. For the built-in object this happens when the library is loaded.
     engineHandler();
 
@@ -85,8 +85,12 @@ public:
 /// \name The built-in handlers
 /// There before the first constructor of the library or of a program runs.
 /// \{
+
+/// The handler of level 1.
 extern KXQTS_EXPORT engineHandler g_EngineHandler;
+/// The handler of level 2.
 extern KXQTS_EXPORT layerHandler g_LayerHandler;
+/// The handler of level 3.
 extern KXQTS_EXPORT guiHandler g_GuiHandler;
 /// \}
 

@@ -57,7 +57,7 @@ KXQTS_EXPORT bool addRemoveLionGlobalLoginItem(const QString& appPath, const QSt
 
 /// Removes an application from the machine's lists.
 /// \param appPath Must have a "/" and a "." behind it: between the last ones stands its name.
-/// \return False without these; else as \ref checkAddRemoveLoginItem.
+/// \return False without these; else as `checkAddRemoveLoginItem`.
 KXQTS_EXPORT bool removeLoginItem(const QString& appPath);
 
 } // namespace Korvex

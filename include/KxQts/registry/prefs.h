@@ -103,16 +103,22 @@ public:
     /// of the type. A null \a v removes the value.
     /// @{
 
+    /// Reads a text.
     bool getProfileString(const QString& path, const __CFString* user, QString& out);
     /// \param out Is written for every number; false for one beyond 32 bits, of which it has the
     /// low ones.
     bool getProfileInt(const QString& path, const __CFString* user, int& out);
+    /// Reads a truth value.
     bool getProfileBool(const QString& path, const __CFString* user, bool& out);
     /// \param out Is emptied first.
     bool getProfileBinary(const QString& path, const __CFString* user, QByteArray& out);
+    /// Writes a text.
     bool setProfileString(const QString& path, const __CFString* user, const QString* v);
+    /// Writes a number.
     bool setProfileInt(const QString& path, const __CFString* user, int* v);
+    /// Writes a truth value.
     bool setProfileBool(const QString& path, const __CFString* user, bool* v);
+    /// Writes bytes.
     bool setProfileBinary(const QString& path, const __CFString* user, const QByteArray* v);
     /// @}
 
@@ -167,7 +173,7 @@ KXQTS_EXPORT bool getPreferencesFilePath(bool localDomain, QString& out);
 /// Makes a string object of a text's code units, which the caller releases.
 KXQTS_EXPORT const __CFString* createCFString(const QString& text);
 
-/// Reads a value inside a dictionary by its path, as \ref WPrefs::getObjectOfType does below the
+/// Reads a value inside a dictionary by its path, as `WPrefs::getObjectOfType` does below the
 /// first name. \return An object that the caller releases; null for none.
 KXQTS_EXPORT const void* getCFDictionaryKeyValue(const __CFDictionary* dictionary,
                                                  const QString& path, unsigned long typeId);
@@ -176,7 +182,7 @@ KXQTS_EXPORT const void* getCFDictionaryKeyValue(const __CFDictionary* dictionar
 KXQTS_EXPORT const void* getCFArrayKeyValue(const __CFArray* array, const QString& path,
                                             unsigned long typeId);
 
-/// Writes a value inside a mutable dictionary by its path, as \ref WPrefs::putObject does below the
+/// Writes a value inside a mutable dictionary by its path, as `WPrefs::putObject` does below the
 /// first name. Dictionaries on the way are replaced by copies with the change in them.
 /// \param value Null removes.
 /// \return False for a null dictionary only, and when there is no memory.

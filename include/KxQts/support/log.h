@@ -74,27 +74,27 @@ extern KXQTS_EXPORT WLogFile __kx_glog;
 
 /// Writes a line with time and title to the log of the process.
 KXQTS_EXPORT void IOLog(const char* fmt, ...);
-/// \copydoc IOLog
+/// The same as `IOLog`.
 KXQTS_EXPORT void IOTxt(const char* fmt, ...);
-/// The same as \ref IOLog, if \a enabled.
+/// The same as `IOLog`, if \a enabled.
 KXQTS_EXPORT void IOLog1(bool enabled, const char* fmt, ...);
 /// Writes text to the log of the process as it is: no time, no title, no newline.
 KXQTS_EXPORT void IOPrint(const char* fmt, ...);
-/// The same as \ref IOPrint, if \a enabled.
+/// The same as `IOPrint`, if \a enabled.
 KXQTS_EXPORT void IOPrint1(bool enabled, const char* fmt, ...);
 
 /// Opens the log of the process, see \ref WLogFile::openLog. Null stands for the empty text.
 KXQTS_EXPORT int IOLogOpen(const char* path, unsigned int flags, const char* title,
                            const char* module);
-/// \copydoc IOLogOpen
+/// See the other form. Null stands for the empty text.
 KXQTS_EXPORT int IOLogOpen(const QString& path, unsigned int flags, QString* title,
                            QString* module);
 
 /// Opens the log of the process unless a file is open already.
-/// \return Whether \ref IOLogOpen was called.
+/// \return Whether `IOLogOpen` was called.
 KXQTS_EXPORT bool IOLogOpenUseCurrent(const char* path, unsigned int flags, const char* title,
                                       const char* module);
-/// \copydoc IOLogOpenUseCurrent
+/// See the other form. Null stands for the empty text.
 KXQTS_EXPORT bool IOLogOpenUseCurrent(const QString& path, unsigned int flags, QString* title,
                                       QString* module);
 

@@ -79,7 +79,8 @@ using Korvex::WWString;
 /// \return The count of wide characters. −1 with `errno` 22 for an empty format, with 12 when there
 /// is no memory; negative as well when the text is too long or cannot be formatted.
 KXQTS_EXPORT int formatWithWCharQString(QString& out, const QString& format, ...);
-/// The same with an argument list, which is used up.
+/// The same with an argument list, which is used up. In 32-bit programs a list is a `char*`: a
+/// single argument of that type is taken for one, unless it is made a `const char*`.
 KXQTS_EXPORT int formatWithWCharQString(QString& out, const QString& format, va_list args);
 /// The same with one number, so that a plain 0 is never taken for an argument list.
 template <class Number>

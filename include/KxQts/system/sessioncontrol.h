@@ -19,8 +19,12 @@ KXQTS_EXPORT OSErr sendEventToSystemProcess(unsigned long eventId);
 /// Each sends its request and ends the calling process with the exit status 0, **whatever became of
 /// the request**.
 /// @{
+
+/// Restarts the machine.
 [[noreturn]] KXQTS_EXPORT void forceRestart();
+/// Ends the session of the calling process.
 [[noreturn]] KXQTS_EXPORT void forceLogOut();
+/// Turns the machine off.
 [[noreturn]] KXQTS_EXPORT void forceShutDown();
 /// @}
 

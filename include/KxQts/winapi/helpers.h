@@ -19,7 +19,7 @@ static inline DWORD GetLastError(void) {
     return (DWORD)errno;
 }
 
-/// Sets what \ref GetLastError tells in this thread.
+/// Sets what `GetLastError` tells in this thread.
 static inline void SetLastError(DWORD error) {
     errno = (int)error;
 }
