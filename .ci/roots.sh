@@ -18,7 +18,7 @@ debian_sources() {
 make_root() {
     local name=$1 architecture=$2 root=$roots/$1
     shift 2
-    [[ "$*" != "$(cat "$root.packages" 2>/dev/null)" ]] || return 0
+    [[ ! -e $root.packages || $* != "$(<"$root.packages")" ]] || return 0
     if ((EUID != 0)); then
         echo "$0: making a Debian system needs the rights of root" >&2
         return 1

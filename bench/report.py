@@ -85,7 +85,8 @@ def publish(rows, machine, svg):
     text = PAGE.read_text()
     before, after = text.split(start)[0], text.split(end)[1]
     table = "\n".join(markdown_table(rows))
-    PAGE.write_text(f"{before}{start}\n{machine}\n\n{table}\n{end}{after}")
+    image = f"![Cost of calls in multiples of their floors]({PAGE.with_suffix('.svg').name})"
+    PAGE.write_text(f"{before}{start}\n{machine}\n\n{table}\n\n{image}\n{end}{after}")
     PAGE.with_suffix(".svg").write_text(svg)
 
 

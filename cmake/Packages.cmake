@@ -9,6 +9,7 @@ set(KXQTS_DEBIAN ${CMAKE_CURRENT_LIST_DIR}/debian)
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kxqts)
 set(CPACK_PACKAGE_VENDOR KxQts)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Windows programming interface on Qt")
 set(CPACK_PACKAGE_CONTACT "KxQts developers <kxqts@packages.debian.org>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
@@ -24,26 +25,23 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(KXQTS_SAME_LIBRARY "kxqts (= ${PROJECT_VERSION})")
 
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
-    "Windows programming interface on Qt\n\
- Programs written for Windows build and run unchanged with this library:\n\
- files, handles, events, threads, processes, registry, disks and more. This\n\
- package holds the library and the tools that show what it sees and keeps.")
+    "Programs written for Windows build and run unchanged with this library:\n\
+files, handles, events, threads, processes, registry, disks and more. This\n\
+package holds the library and the tools that show what it sees and keeps.")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME kxqts)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${KXQTS_DEBIAN}/library/postrm)
 
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
-    "Windows programming interface on Qt (development files)\n\
- Headers, CMake package, pkg-config modules and the compiler wrapper kxcc, for\n\
- building programs written for Windows with the library of the package kxqts.")
+    "Development files: headers, CMake package, pkg-config modules and the\n\
+compiler wrapper kxcc, for building programs with the library of kxqts.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME kxqts-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${KXQTS_SAME_LIBRARY}, g++, qt6-base-dev")
 
 set(CPACK_COMPONENT_DAEMON_DESCRIPTION
-    "Root daemon of the Windows programming interface on Qt\n\
- Runs the privileged commands and keeps the registry requests of programs that\n\
- use the library of the package kxqts, for administrators of this machine only.")
+    "Root daemon: runs privileged commands and changes the machine-wide registry\n\
+for programs that use the library of kxqts, of administrators only.")
 set(CPACK_DEBIAN_DAEMON_PACKAGE_NAME kxqtsd)
 set(CPACK_DEBIAN_DAEMON_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_DAEMON_PACKAGE_DEPENDS "${KXQTS_SAME_LIBRARY}, init-system-helpers (>= 1.54~)")
