@@ -6,6 +6,7 @@
 #include <linux/blkpg.h>
 #include <linux/fs.h>
 #include <linux/loop.h>
+#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/mount.h>
@@ -14,7 +15,37 @@
 
 namespace KxTest {
 
-LoopDisk::LoopDisk(unsigned long long bytes) {
+namespace {
+
+/// A lock of the machine, which a process has until all its disks are gone.
+class Turn {
+public:
+    Turn() : descriptor(open("/dev/loop-control", O_RDWR | O_CLOEXEC)) {
+        while (descriptor >= 0 && flock(descriptor, LOCK_EX) != 0 && errno == EINTR) {
+        }
+    }
+    ~Turn() {
+        if (descriptor >= 0)
+            close(descriptor);
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+private:
+    const int descriptor;
+};
+
+std::shared_ptr<Turn> takeTurn() {
+    static std::weak_ptr<Turn> present;
+    std::shared_ptr<Turn> turn = present.lock();
+    if (!turn)
+        present = turn = std::make_shared<Turn>();
+    return turn;
+}
+
+} // namespace
+
+LoopDisk::LoopDisk(unsigned long long bytes) : turn(takeTurn()) {
     const int medium = memfd_create("medium", MFD_CLOEXEC);
     if (medium < 0 || ftruncate(medium, static_cast<off_t>(bytes)) != 0)
         return;

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 namespace KxTest {
 
 /// A disk whose medium is a file of no name: gone with its holder, and with the process however
-/// that ends.
+/// that ends. Every program of the machine sees the disks of all: while a process has one, others
+/// wait for theirs.
 class LoopDisk {
 public:
     explicit LoopDisk(unsigned long long bytes);
@@ -38,6 +40,7 @@ public:
 private:
     bool attach(int medium);
 
+    std::shared_ptr<void> turn; ///< Shared by the disks of this process
     std::string name;
     int descriptor = -1;
 };
