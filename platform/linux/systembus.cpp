@@ -48,7 +48,7 @@ BusReply SystemBus::call(const BusObject& object, const char* method,
     va_end(arguments);
     if (appended < 0 || systemd->allowQuestion(made, 1) < 0)
         return BusReply(outOfMemory);
-    sd_bus_error error = SD_BUS_ERROR_NULL;
+    sd_bus_error error{};
     sd_bus_message* answer = nullptr;
     const auto usec = static_cast<std::uint64_t>(limit.count());
     if (systemd->call(bus, made, usec, &error, &answer) >= 0)

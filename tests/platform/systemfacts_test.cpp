@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <sys/utsname.h>
@@ -66,12 +67,11 @@ TEST(SystemFacts, OfTheRunningSystem) {
 }
 
 TEST(SystemFacts, AreThoseOfTheTestWhileItsOwnAreInForce) {
-    {
-        KxTest::ScriptedSystemFacts other;
-        other.release = "11.4.2";
-        EXPECT_EQ(systemFacts().kernelRelease(), "11.4.2");
-        EXPECT_FALSE(systemFacts().model().has_value());
-    }
+    auto other = std::make_unique<KxTest::ScriptedSystemFacts>();
+    other->release = "11.4.2";
+    EXPECT_EQ(systemFacts().kernelRelease(), "11.4.2");
+    EXPECT_FALSE(systemFacts().model().has_value());
+    other.reset();
     EXPECT_NE(systemFacts().kernelRelease(), "11.4.2");
 }
 
