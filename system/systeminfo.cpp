@@ -92,6 +92,8 @@ int getSecureVirtualMemoryState(bool& encrypted) {
 }
 
 int getFileMode(const char* file, unsigned short& mode) {
+    if (!file)
+        return EFAULT; // what the system says of it
     struct stat status {};
     if (stat(file, &status) != 0)
         return errno;
