@@ -10,8 +10,8 @@ namespace KxTest {
 /// The facts of a system that a test describes. They are in force while they live.
 class ScriptedSystemFacts : public Korvex::SystemFacts {
 public:
-    // Not inline: compilers that do not look into instrumented atomics would otherwise believe that the
-    // facts outlive the scope that they are in.
+    // Not inline: compilers that do not look into instrumented atomics would otherwise believe that
+    // the facts outlive the scope that they are in.
     [[gnu::noinline]] ScriptedSystemFacts() = default;
 
     /// \name The script: what is nothing is not known
