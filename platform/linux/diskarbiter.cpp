@@ -4,11 +4,11 @@
 #include "platform/linux/diskdescription.h"
 #include "platform/linux/mediumcontents.h"
 #include "platform/linux/volumemounter.h"
+#include "platform/referencecounted.h"
 #include "platform/replaceable.h"
 #include "platform/scopes.h"
 
 #include <array>
-#include <atomic>
 #include <climits>
 #include <functional>
 #include <new>
@@ -59,17 +59,9 @@ DAReturn unmountAll(const std::vector<DiskNode>& nodes, bool force) {
     return result;
 }
 
-class LinuxDisk final : public __DADisk {
+class LinuxDisk final : public ReferenceCounted<__DADisk> {
 public:
     explicit LinuxDisk(DiskNode ofNode) : node(std::move(ofNode)) {}
-
-    int retain() override { return ++references; }
-    int release() override {
-        const int left = --references;
-        if (left == 0)
-            delete this;
-        return left;
-    }
 
     CFDictionaryRef copyDescription() override {
         const ErrorNumberKept meanwhile;
@@ -136,19 +128,10 @@ private:
     }
 
     const DiskNode node;
-    std::atomic<int> references{1};
 };
 
-class LinuxSession final : public __DASession {
+class LinuxSession final : public ReferenceCounted<__DASession> {
 public:
-    int retain() override { return ++references; }
-    int release() override {
-        const int left = --references;
-        if (left == 0)
-            delete this;
-        return left;
-    }
-
     __DADisk* createDisk(const char* name) override {
         auto node = diskNode(name);
         return node ? new (std::nothrow) LinuxDisk(std::move(*node)) : nullptr;
@@ -156,8 +139,6 @@ public:
 
 private:
     ~LinuxSession() override = default;
-
-    std::atomic<int> references{1};
 };
 
 class LinuxArbiter final : public DiskArbiter {

@@ -1,21 +1,15 @@
 #include "fakes/diskarbiter.h"
 
+#include "platform/referencecounted.h"
+
 #include <array>
 
 namespace KxTest {
 
-class FakeDisk final : public __DADisk {
+class FakeDisk final : public Korvex::ReferenceCounted<__DADisk> {
 public:
     FakeDisk(FakeArbiter& of, std::string called) : arbiter(of), name(std::move(called)) {
         ++arbiter.live;
-    }
-
-    int retain() override { return ++references; }
-    int release() override {
-        const int left = --references;
-        if (left == 0)
-            delete this;
-        return left;
     }
 
     CFDictionaryRef copyDescription() override {
@@ -48,20 +42,11 @@ private:
 
     FakeArbiter& arbiter;
     const std::string name;
-    std::atomic<int> references{1};
 };
 
-class FakeSession final : public __DASession {
+class FakeSession final : public Korvex::ReferenceCounted<__DASession> {
 public:
     explicit FakeSession(FakeArbiter& of) : arbiter(of) { ++arbiter.live; }
-
-    int retain() override { return ++references; }
-    int release() override {
-        const int left = --references;
-        if (left == 0)
-            delete this;
-        return left;
-    }
 
     __DADisk* createDisk(const char* name) override {
         return arbiter.disks.contains(name) ? new FakeDisk(arbiter, name) : nullptr;
@@ -71,7 +56,6 @@ private:
     ~FakeSession() override { --arbiter.live; }
 
     FakeArbiter& arbiter;
-    std::atomic<int> references{1};
 };
 
 FakeArbiter::~FakeArbiter() {

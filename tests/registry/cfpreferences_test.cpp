@@ -25,7 +25,7 @@ const Object& key() {
     return made;
 }
 
-Object get(CFStringRef user, CFStringRef host) {
+Object valueIn(CFStringRef user, CFStringRef host) {
     return Object(CFPreferencesCopyValue(str(key()), str(id()), user, host));
 }
 
@@ -35,17 +35,17 @@ TEST_F(CfPreferences, ValuesAreNotedAndThenWritten) {
     CFPreferencesSetValue(str(key()), number(1).get(), str(id()), kCFPreferencesAnyUser,
                           kCFPreferencesCurrentHost);
     EXPECT_FALSE(std::filesystem::exists(machineFile("com.example.cf")));
-    EXPECT_TRUE(same(get(kCFPreferencesAnyUser, kCFPreferencesCurrentHost), number(1)));
+    EXPECT_TRUE(same(valueIn(kCFPreferencesAnyUser, kCFPreferencesCurrentHost), number(1)));
     EXPECT_TRUE(
         CFPreferencesSynchronize(str(id()), kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
     EXPECT_TRUE(std::filesystem::exists(machineFile("com.example.cf")));
-    EXPECT_TRUE(same(get(kCFPreferencesAnyUser, kCFPreferencesCurrentHost), number(1)));
+    EXPECT_TRUE(same(valueIn(kCFPreferencesAnyUser, kCFPreferencesCurrentHost), number(1)));
     CFPreferencesSetValue(str(key()), nullptr, str(id()), kCFPreferencesAnyUser,
                           kCFPreferencesCurrentHost);
-    EXPECT_FALSE(get(kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
+    EXPECT_FALSE(valueIn(kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
     EXPECT_TRUE(
         CFPreferencesSynchronize(str(id()), kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
-    EXPECT_FALSE(get(kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
+    EXPECT_FALSE(valueIn(kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
 }
 
 TEST_F(CfPreferences, OnlyTwoPairsOfUserAndHostHaveAStore) {
@@ -55,10 +55,10 @@ TEST_F(CfPreferences, OnlyTwoPairsOfUserAndHostHaveAStore) {
     EXPECT_TRUE(
         CFPreferencesSynchronize(str(id()), kCFPreferencesCurrentUser, kCFPreferencesAnyHost))
         << "names count, not objects";
-    EXPECT_TRUE(get(kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
-    EXPECT_FALSE(get(kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
-    EXPECT_FALSE(get(kCFPreferencesAnyUser, kCFPreferencesAnyHost));
-    EXPECT_FALSE(get(kCFPreferencesCurrentUser, kCFPreferencesCurrentHost));
+    EXPECT_TRUE(valueIn(kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
+    EXPECT_FALSE(valueIn(kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
+    EXPECT_FALSE(valueIn(kCFPreferencesAnyUser, kCFPreferencesAnyHost));
+    EXPECT_FALSE(valueIn(kCFPreferencesCurrentUser, kCFPreferencesCurrentHost));
     EXPECT_FALSE(CFPreferencesSynchronize(str(id()), kCFPreferencesAnyUser, kCFPreferencesAnyHost));
     EXPECT_FALSE(
         CFPreferencesSynchronize(nullptr, kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
@@ -67,15 +67,15 @@ TEST_F(CfPreferences, OnlyTwoPairsOfUserAndHostHaveAStore) {
 TEST_F(CfPreferences, ApplicationValuesAreTheUsersOrAnAbsoluteFiles) {
     CFPreferencesSetAppValue(str(key()), number(1).get(), str(id()));
     EXPECT_TRUE(CFPreferencesAppSynchronize(str(id())));
-    EXPECT_TRUE(get(kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
-    EXPECT_FALSE(get(kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
+    EXPECT_TRUE(valueIn(kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
+    EXPECT_FALSE(valueIn(kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
     EXPECT_TRUE(same(Object(CFPreferencesCopyAppValue(str(key()), str(id()))), number(1)));
 
     const Object absolute = text("/Library/Preferences/com.example.cf");
     EXPECT_FALSE(Object(CFPreferencesCopyAppValue(str(key()), str(absolute))));
     CFPreferencesSetAppValue(str(key()), number(2).get(), str(absolute));
     EXPECT_TRUE(CFPreferencesAppSynchronize(str(absolute)));
-    EXPECT_TRUE(same(get(kCFPreferencesAnyUser, kCFPreferencesCurrentHost), number(2)));
+    EXPECT_TRUE(same(valueIn(kCFPreferencesAnyUser, kCFPreferencesCurrentHost), number(2)));
     EXPECT_EQ(std::filesystem::status(machineFile("com.example.cf")).permissions(),
               std::filesystem::perms(0644));
 }

@@ -41,6 +41,12 @@ protected:
                                              kCFPreferencesAnyUser, kCFPreferencesCurrentHost));
     }
 
+    /// An object of the machine's scope.
+    static Object get(Korvex::WPrefs& key, const QString& path, unsigned long type = anyType) {
+        return Object(key.getObjectOfType(path, type, kCFPreferencesAnyUser));
+    }
+    static constexpr unsigned long anyType = ~0UL;
+
     /// An open key of the machine's; closed with its holder.
     struct Key {
         explicit Key(const QString& path, const QString& appId = QString())
