@@ -1,22 +1,13 @@
 #pragma once
 
-#include <cstdio>
-#include <string>
-#include <sys/types.h>
-#include <vector>
+#include "common/scriptedbus.h"
 
 namespace KxTest {
 
-/// A system bus with services that do nothing but answer as told, while it lives; this process's
-/// and its children's calls go there.
-class MockBus {
+/// A system bus with the services of polkit and logind, which do nothing but answer.
+class MockBus : public ScriptedBus {
 public:
-    MockBus();
-    ~MockBus();
-    MockBus(const MockBus&) = delete;
-    MockBus& operator=(const MockBus&) = delete;
-
-    [[nodiscard]] bool isRunning() const { return !address.empty(); }
+    MockBus() : ScriptedBus(KXQTS_MOCKBUS) {}
 
     /// What polkit answers from now on: "yes", "kept", "no", "dismissed" or "challenge".
     void polkitAnswers(const std::string& answer) { command("answer " + answer); }
@@ -35,15 +26,6 @@ public:
         const std::vector<std::string> all = calls(service);
         return all.empty() ? std::string() : all.back();
     }
-
-private:
-    std::vector<std::string> command(const std::string& line);
-    std::string readLine();
-
-    pid_t process = -1;
-    FILE* commands = nullptr;
-    FILE* answers = nullptr;
-    std::string address;
 };
 
 } // namespace KxTest
