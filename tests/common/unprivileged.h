@@ -8,8 +8,9 @@
 
 namespace KxTest {
 
-/// The user that checks without root's rights run as when the tests run as root.
-inline constexpr uid_t ordinaryUser = 1000;
+/// The user that checks without root's rights run as when the tests run as root: "nobody", whom every
+/// system knows. A message bus talks to nobody whom it cannot look up.
+inline constexpr uid_t ordinaryUser = 65534;
 
 /// Runs checks in a child process that has given up root's rights for good.
 /// \return A failure when one of them failed; its message is printed by the child.

@@ -5,10 +5,12 @@
 #include "fakes/diskarbiter.h"
 #include "fakes/extentmap.h"
 #include "fakes/volumetable.h"
+#include "platform/descriptor.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -30,6 +32,12 @@ struct Map {
     unsigned count = 99;
     Runs runs;
 };
+
+/// What becomes of seeking to the end, which some file systems allow in a folder. \return An errno.
+int measuring(const std::string& file) {
+    const Korvex::Descriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    return lseek(opened.get(), 0, SEEK_END) < 0 ? errno : 0;
+}
 
 class SectorMap : public testing::Test {
 protected:
@@ -256,7 +264,7 @@ TEST_F(SectorMap, FailsAsOpeningAndMeasuringDo) {
     EXPECT_EQ(ask(count, nullptr), ESPIPE) << "and nobody waits for a writer";
     fs::remove(file);
     fs::create_directory(file);
-    EXPECT_EQ(ask(count, nullptr), -1) << "a folder";
+    EXPECT_EQ(ask(count, nullptr), measuring(file) == 0 ? -1 : measuring(file)) << "a folder";
     fs::remove(file);
     fs::create_symlink("/dev/zero", file);
     EXPECT_EQ(ask(count, nullptr), -1) << "a device";
