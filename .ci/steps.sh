@@ -3,8 +3,12 @@
 set -euo pipefail
 export LC_ALL=C.UTF-8
 jobs=$(nproc)
-# Whoever has a compiler cache elsewhere keeps it; else nothing is written outside the build folder.
-export CCACHE_DIR=${CCACHE_DIR:-$PWD/build/ccache}
+# Whoever has a compiler cache already keeps it; else nothing is written outside the build folder.
+if [[ ! ${CCACHE_DIR-} ]]; then
+    CCACHE_DIR=$(ccache --get-config cache_dir 2>/dev/null) && [[ -d $CCACHE_DIR ]] ||
+        CCACHE_DIR=$PWD/build/ccache
+fi
+export CCACHE_DIR
 export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$PWD}
 mkdir -p build
 

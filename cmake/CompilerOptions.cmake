@@ -30,9 +30,8 @@ target_compile_options(
 # Some file systems and kernels count in 64 bits whatever the width of a pointer.
 target_compile_definitions(kxqts_options INTERFACE _FILE_OFFSET_BITS=64)
 
-# Reports need no more than lines, and less optimising takes little more than half the time.
 if(KXQTS_SANITIZE)
-    target_compile_options(kxqts_options INTERFACE -fsanitize=${KXQTS_SANITIZE} -O1 -g1
+    target_compile_options(kxqts_options INTERFACE -fsanitize=${KXQTS_SANITIZE}
                                                    -fno-omit-frame-pointer
                                                    -fno-sanitize-recover=all)
     target_link_options(kxqts_options INTERFACE -fsanitize=${KXQTS_SANITIZE})

@@ -74,3 +74,7 @@ install(
     PROGRAMS ${PROJECT_BINARY_DIR}/kxcc
     DESTINATION bin
     COMPONENT development)
+install(
+    FILES ${KXQTS_TEMPLATES}/kxcc.1
+    DESTINATION share/man/man1
+    COMPONENT development)

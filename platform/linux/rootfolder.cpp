@@ -21,8 +21,8 @@ QByteArray homeOfAccount() {
     std::array<char, roomForAnEntry> buffer{};
     passwd entry{};
     passwd* found = nullptr;
-    getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found);
-    return found ? QByteArray(found->pw_dir) : QByteArray();
+    const bool isRead = getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) == 0;
+    return isRead && found ? QByteArray(found->pw_dir) : QByteArray();
 }
 
 /// Without the slashes at its end, so that an absolute path can be put behind it.
