@@ -25,6 +25,7 @@ constinit Lock resourceLock;
 constinit QString g_TranslationFile KXQTS_GUARDED_BY(resourceLock);
 HMODULE g_hZrRes KXQTS_GUARDED_BY(resourceLock) = nullptr;
 constinit std::atomic<ITextResource*> g_pZrRes{nullptr};
+bool isEntered KXQTS_GUARDED_BY(resourceLock) = false;
 
 /// Frees the resource library when this one is unloaded.
 struct UnloadAtTheEnd {
@@ -46,12 +47,26 @@ EntryPoint entryPointOf(HMODULE library) {
         reinterpret_cast<void*>(GetProcAddress(library, "getZRRes")));
 }
 
+/// Sets a flag for a scope.
+class Flagged {
+public:
+    explicit Flagged(bool& toSet) : flag(toSet) { flag = true; }
+    ~Flagged() { flag = false; }
+    Flagged(const Flagged&) = delete;
+    Flagged& operator=(const Flagged&) = delete;
+
+private:
+    bool& flag;
+};
+
 /// Makes a library the one that texts come from, unless another thread has been faster.
 /// \return Whether the library is in use now.
 bool use(HMODULE library, EntryPoint entry) {
     const LockGuard guard(resourceLock);
-    if (g_pZrRes)
+    // A lookup that the entry point makes itself would begin all over again, without end.
+    if (g_pZrRes || isEntered)
         return false;
+    const Flagged meanwhile(isEntered);
     ITextResource* resource = entry();
     if (resource)
         g_hZrRes = library;

@@ -3,6 +3,7 @@
 #include <KxQts/winapi/modules.h>
 
 #include "common/program.h"
+#include "common/virtualslot.h"
 #include "modules/emptyfolder.h"
 #include "modules/moduleevents.h"
 #include "modules/modulefolder.h"
@@ -68,6 +69,11 @@ TEST_F(Localization, TextsComeFromTheResourceLibraryByIndex) {
     EXPECT_EQ(queryTranslate(-1, text, &source), 999);
     EXPECT_TRUE(text.startsWith("text -1 in")) << "the source is not looked at";
     EXPECT_EQ(entryCalls(path), 1);
+}
+
+TEST(LocalizationResource, IsAskedThroughTheFirstOperationOfItsClass) {
+    EXPECT_EQ(KxTest::virtualSlot(&Korvex::ITextResource::getText), 0u)
+        << "resource libraries may bring a class of their own";
 }
 
 TEST(LocalizationLanguage, IsTheSystemsAndEnglishForAllOthers) {
@@ -196,4 +202,19 @@ TEST_F(Localization, InitialiserOfTheResourceLibraryMayLookTextsUp) {
     EXPECT_EQ(entryCalls(path), 1);
     staticDestructor();
     EXPECT_FALSE(isMapped(path));
+}
+
+TEST_F(Localization, EntryPointOfTheResourceLibraryFindsNoTextsYet) {
+    const std::string path = useCopyOf(KXTEST_RESOURCE);
+    int inside = 0;
+    QString text = "before";
+    const auto lookUp = [&] { inside = queryTranslate(1, text, nullptr); };
+    const KxTest::ModuleEventsScope events({{}, {}, lookUp});
+    QString outside;
+    EXPECT_EQ(getLocalizedStringByStringID(2, outside), 1002);
+    EXPECT_EQ(inside, 2);
+    EXPECT_EQ(text, QString("before")) << "left alone";
+    EXPECT_EQ(entryCalls(path), 1);
+    staticDestructor();
+    EXPECT_FALSE(isMapped(path)) << "what the inner lookup has loaded is freed";
 }

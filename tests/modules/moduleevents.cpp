@@ -21,6 +21,12 @@ extern "C" __attribute__((visibility("default"))) void kxtestModuleUnloading() {
         events->unloading();
 }
 
+extern "C" __attribute__((visibility("default"))) void kxtestModuleEntered() {
+    const KxTest::ModuleEvents* events = inForce;
+    if (events && events->entered)
+        events->entered();
+}
+
 namespace KxTest {
 
 ModuleEventsScope::ModuleEventsScope(ModuleEvents toUse) : events(std::move(toUse)) {

@@ -20,16 +20,17 @@ extern "C" {
 
 std::atomic<int> kxtestEntryCalls{0};
 
+void kxtestModuleEntered() __attribute__((weak));
+
+Korvex::ITextResource* getZRRes() {
+    ++kxtestEntryCalls;
+    if (kxtestModuleEntered)
+        kxtestModuleEntered();
 #ifdef KXTEST_NO_TEXTS
-Korvex::ITextResource* getZRRes() {
-    ++kxtestEntryCalls;
     return nullptr;
-}
 #else
-Korvex::ITextResource* getZRRes() {
     static Resource resource;
-    ++kxtestEntryCalls;
     return &resource;
-}
 #endif
+}
 }

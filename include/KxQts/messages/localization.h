@@ -13,7 +13,8 @@ namespace Korvex {
 ///
 /// A resource library implements this class and exports, with C linkage, a function `getZRRes`
 /// without parameters that returns a pointer to its object. The object stays the library's own; it
-/// must live as long as the library is loaded, and any thread may ask it.
+/// must live as long as the library is loaded, and any thread may ask it. While `getZRRes` runs
+/// there are no texts yet: its own lookups give 2, and those of other threads wait for it.
 class KXQTS_EXPORT ITextResource {
 public:
     /// Gives the text of an index.
