@@ -37,9 +37,6 @@ DAReturn statusOf(int error) {
     }
 }
 
-/// A medium that nobody has chosen a place for is nobody's whose programs and devices are trusted.
-constexpr char optionsOfForeignMedia[] = "nosuid,nodev";
-
 using Context = std::unique_ptr<libmnt_context, void (*)(libmnt_context*)>;
 
 /// What became of an operation, which a helper program may have done.
@@ -97,7 +94,7 @@ public:
         const std::string folder = VolumeFolder::make(label.empty() ? node.name() : label);
         if (folder.empty())
             return statusOf(errno);
-        const DAReturn result = mountAt(node, folder, optionsOfForeignMedia);
+        const DAReturn result = mountAt(node, folder, VolumeFolder::mountOptions);
         if (result != kDAReturnSuccess)
             VolumeFolder::remove(folder);
         return result;

@@ -74,6 +74,7 @@ public:
             return kDAReturnNotPrivileged;
         const std::string path = objectOf(node);
         SystemBus bus;
+        // The service itself adds nosuid and nodev.
         return statusOf(bus.call(fileSystem(path), "Mount", timeLimit, "a{sv}", 0));
     }
 

@@ -36,6 +36,13 @@ std::string placesOf(const DiskNode& node) {
     return places;
 }
 
+/// What is held back from a mounted volume.
+unsigned long flagsOf(const std::string& place) {
+    struct statvfs status {};
+    EXPECT_EQ(statvfs(place.c_str(), &status), 0);
+    return status.f_flag & (ST_NOSUID | ST_NODEV | ST_NOEXEC | ST_RDONLY);
+}
+
 Reference<WDiskManager> managerOf(const DiskNode& node) {
     return Reference<WDiskManager>(Korvex::diskManagerFromDvID(idOf(node)));
 }
@@ -128,6 +135,7 @@ TEST_F(RealMount, MountsWhereItIsTold) {
     EXPECT_EQ(mount(manager, here("place")), kDAReturnSuccess);
     EXPECT_EQ(placesOf(slice), here("place") + ' ');
     EXPECT_TRUE(fs::exists(here("place/lost+found")));
+    EXPECT_EQ(flagsOf(here("place")), 0u) << "who names the place trusts what is there";
     EXPECT_EQ(unmount(manager), kDAReturnSuccess);
     EXPECT_TRUE(fs::remove(here("place"))) << "a folder of someone else stays";
     EXPECT_EQ(mount(manager, here("place")), kDAReturnNotFound);
@@ -136,9 +144,7 @@ TEST_F(RealMount, MountsWhereItIsTold) {
 TEST_F(RealMount, MakesAFolderAndRemovesItAgain) {
     EXPECT_EQ(mount(manager), kDAReturnSuccess);
     EXPECT_EQ(placesOf(slice), volume("Data One") + ' ');
-    struct statvfs status {};
-    EXPECT_EQ(statvfs(volume("Data One").c_str(), &status), 0);
-    EXPECT_EQ(status.f_flag & (ST_NOSUID | ST_NODEV | ST_RDONLY), ST_NOSUID | ST_NODEV);
+    EXPECT_EQ(flagsOf(volume("Data One")), unsigned(ST_NOSUID | ST_NODEV));
     EXPECT_EQ(unmount(manager), kDAReturnSuccess);
     EXPECT_FALSE(fs::exists(volume("Data One")));
 }

@@ -20,15 +20,13 @@ void requireRoot() {
         throw Failure("only root can do this");
 }
 
-/// Mounts what may come from anywhere: no program on it has other rights than its user's, and
-/// nothing on it is a device.
 void mountAtVolumes(const Volume& volume) {
     const std::string name = volume.name();
     const std::string folder = VolumeFolder::make(name.empty() ? volume.node.name() : name);
     if (folder.empty())
         throw systemFailure("no folder for " + volume.shown());
     try {
-        mountNow({volume.node.path, folder, {}, "nosuid,nodev"});
+        mountNow({volume.node.path, folder, {}, VolumeFolder::mountOptions});
     } catch (const std::exception&) {
         VolumeFolder::remove(folder);
         throw;

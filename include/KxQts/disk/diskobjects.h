@@ -82,8 +82,10 @@ public:
 /// Options are those of `KxQts/platformtypes.h`: 1 stands for all volumes of the disk, 0x80000
 /// forces unmounting. A volume in use is refused. Without a path a volume is mounted at
 /// "/Volumes/NAME", a folder that is made for it and removed after unmounting (behind the prefix
-/// `KXQTS_ROOT`), without programs that change rights and without devices. Root mounts itself;
-/// for other users the system's UDisks2 service does, which chooses the place itself.
+/// `KXQTS_ROOT`), without programs that change rights and without devices; at a path that the
+/// caller names, the volume is mounted with all that is on it. All volumes of a disk are mounted
+/// without a path, whatever is given. Root mounts itself; for other users the system's UDisks2
+/// service does, which chooses the place itself and refuses a path.
 /// Any thread may use an object; one disk's requests are served one after the other.
 class KXQTS_EXPORT WDiskManager : public IRefCounter {
 public:
