@@ -6,6 +6,9 @@
 #include "platform/replaceable.h"
 #include "platform/scopes.h"
 
+#include <QByteArrayView>
+#include <QStringDecoder>
+
 #include <fcntl.h>
 #include <map>
 #include <mutex>
@@ -20,13 +23,20 @@ namespace {
 constexpr int longestName = 255;
 constexpr unsigned uniqueMountId = 0x4000; // STATX_MNT_ID_UNIQUE, newer than some headers
 
+/// Labels and folders are UTF-8 by custom; the bytes of others are Latin-1.
+QString textOf(const std::string& bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
+    return decoder.hasError() ? QString::fromLatin1(bytes.c_str()) : text;
+}
+
 QString nameOf(const Mount& mount, const std::string& label) {
     std::string name = label;
     if (name.empty())
         name = mount.target.substr(mount.target.rfind('/') + 1);
     if (name.empty())
         name = mount.target; // the root
-    return QString::fromUtf8(name.c_str()).left(longestName);
+    return textOf(name).left(longestName);
 }
 
 Volume volumeOf(const Mount& mount, const DiskNode* node) {

@@ -255,6 +255,44 @@ TEST_F(RealVolumes, HaveMountPointsAndPathsInLatin1) {
     EXPECT_EQ(found, path);
 }
 
+TEST_F(RealVolumes, HaveNamesInUtf8AndElseInLatin1) {
+    const DiskNode second = *Korvex::diskNode(whole.name() + "s2");
+    const QString text = QString::fromLatin1("D\xE4ta");
+    for (const char* bytes : {"D\xE4ta", "D\xC3\xA4ta"}) {
+        ASSERT_TRUE(KxTest::makeFileSystem(second.path, ""));
+        {
+            const Mounted mounted(second.path, here(bytes));
+            EXPECT_EQ(volumesOn(second).at(0).name, text) << "by the folder";
+        }
+        ASSERT_TRUE(KxTest::makeFileSystem(second.path, bytes));
+        const Mounted mounted(second.path, here("place"));
+        EXPECT_EQ(volumesOn(second).at(0).name, text) << "by the label";
+        QString name;
+        EXPECT_EQ(propsOf(second)->getQStringProperty(15, name), 0u);
+        EXPECT_EQ(name, text);
+    }
+}
+
+TEST_F(RealVolumes, HaveMountPointsThatAreToldUpTo259Bytes) {
+    const std::string parent = here(std::string(250, 'x'));
+    fs::create_directory(parent);
+    {
+        const Mounted deep(slice.path, parent + "/place.of.its.own");
+        ASSERT_TRUE(deep.isMounted());
+        QString path = "kept";
+        QString name = "kept";
+        EXPECT_EQ(propsOf(slice)->getQStringProperty(30, path), 66u);
+        EXPECT_EQ(convertDvIDToPath(idOf(slice), path), 66);
+        EXPECT_EQ(volumePropsFromDvID(idOf(slice), path, name), -2110);
+        EXPECT_EQ(path, "kept");
+        EXPECT_EQ(name, "kept");
+        KX_DEV_VOL_UNION id{};
+        EXPECT_EQ(convertPathToPartialDvID(QString::fromStdString(deep.folder() + "/x"), id), 0);
+        EXPECT_EQ(id.value, idOf(slice).value);
+    }
+    fs::remove(parent);
+}
+
 TEST_F(RealVolumes, AreWhatTheDumpTells) {
     const Mounted mounted(slice.path, here("place"));
     testing::internal::CaptureStdout();
