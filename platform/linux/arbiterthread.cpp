@@ -3,6 +3,7 @@
 #include "platform/scopes.h"
 #include "platform/stayloaded.h"
 
+#include <new>
 #include <system_error>
 #include <thread>
 
@@ -23,6 +24,8 @@ bool start(const ArbiterThread::Job& work) {
         }).detach();
         return true;
     } catch (const std::system_error&) {
+        return false;
+    } catch (const std::bad_alloc&) {
         return false;
     }
 }
