@@ -39,7 +39,8 @@ int mountUnmountVolumeDisk(QStringList& args) {
             return 0;
         kx_sleep(pause);
     }
-    std::printf("kxzr:%s %s\n", args.first().toLatin1().constData(), output.toLatin1().constData());
+    std::printf("kxzr:%s %s\n", args.value(0).toLatin1().constData(),
+                output.toLatin1().constData());
     return result;
 }
 

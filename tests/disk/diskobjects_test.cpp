@@ -2,6 +2,7 @@
 
 #include <KxQts/disk/diskobjects.h>
 
+#include "common/virtualslot.h"
 #include "fakes/diskarbiter.h"
 
 #include <gtest/gtest.h>
@@ -10,10 +11,12 @@
 #include <thread>
 #include <vector>
 
+using Korvex::IRefCounter;
 using Korvex::Reference;
 using Korvex::WDiskManager;
 using Korvex::WDiskProps;
 using KxTest::FakeArbiter;
+using KxTest::virtualSlot;
 
 namespace {
 
@@ -272,4 +275,25 @@ TEST(DiskFactories, HandDiskAndSessionToTheManager) {
     EXPECT_EQ(arbiter.liveObjects(), 2);
     EXPECT_EQ(manager->release(), 0);
     EXPECT_EQ(arbiter.liveObjects(), 0);
+}
+
+TEST(DiskObjects, HaveTheirOperationsInOrder) {
+    EXPECT_EQ(virtualSlot(&IRefCounter::retain), 2u);
+    EXPECT_EQ(virtualSlot(&IRefCounter::release), 3u);
+    EXPECT_EQ(virtualSlot(&WDiskProps::retain), 2u);
+    EXPECT_EQ(virtualSlot(&WDiskProps::release), 3u);
+    EXPECT_EQ(virtualSlot(&WDiskProps::getIntegerProperty), 4u);
+    EXPECT_EQ(virtualSlot(&WDiskProps::getBooleanProperty), 5u);
+    EXPECT_EQ(virtualSlot(&WDiskProps::getQStringProperty), 6u);
+    using Path = const __CFURL*;
+    using Unmount = int (WDiskManager::*)(unsigned long);
+    using Mount = int (WDiskManager::*)(unsigned long, Path);
+    using StartUnmount = void (WDiskManager::*)(DADiskCallback, void*, unsigned long);
+    using StartMount = void (WDiskManager::*)(DADiskCallback, void*, unsigned long, Path);
+    EXPECT_EQ(virtualSlot(&WDiskManager::retain), 2u);
+    EXPECT_EQ(virtualSlot(&WDiskManager::release), 3u);
+    EXPECT_EQ(virtualSlot(static_cast<Unmount>(&WDiskManager::unmount)), 4u);
+    EXPECT_EQ(virtualSlot(static_cast<Mount>(&WDiskManager::mount)), 5u);
+    EXPECT_EQ(virtualSlot(static_cast<StartUnmount>(&WDiskManager::unmount)), 6u);
+    EXPECT_EQ(virtualSlot(static_cast<StartMount>(&WDiskManager::mount)), 7u);
 }

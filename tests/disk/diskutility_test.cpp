@@ -178,6 +178,15 @@ TEST_F(DiskUtility, WithoutTheDaemonTheLastStatusIsPrintedWithoutAMessage) {
     EXPECT_EQ(called().size(), 8 * std::strlen("[mountDisk][disk1]\n"));
 }
 
+TEST(MountUnmount, WithoutArgumentsFailsLikeAnyOther) {
+    Daemon daemon({256});
+    testing::internal::CaptureStdout();
+    QStringList none;
+    EXPECT_EQ(mountUnmountVolumeDisk(none), 256);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "kxzr: (status =256)\n");
+    EXPECT_EQ(daemon.lines.size(), 8u);
+}
+
 TEST(ResizeVolume, RoundsUpToBlocks) {
     Daemon daemon({0});
     QString output = QStringLiteral("untouched");

@@ -2,6 +2,7 @@
 
 #include <KxQts/messages/processhandler.h>
 
+#include "common/virtualslot.h"
 #include "messages/scopedhandler.h"
 
 #include <QPointer>
@@ -28,9 +29,9 @@ struct Level {
 };
 
 const std::vector<Level> levels{
-    {1, getEngineProcessHandler, &Korvex::g_EngineHandler},
-    {2, getLayerProcessHandler, &Korvex::g_LayerHandler},
-    {3, getGuiProcessHandler, &Korvex::g_GuiHandler},
+    {1, getEngineProcessHandler, &g_EngineHandler},
+    {2, getLayerProcessHandler, &g_LayerHandler},
+    {3, getGuiProcessHandler, &g_GuiHandler},
 };
 
 int nothing(infoMessage*) {
@@ -49,6 +50,14 @@ TEST(ProcessHandlers, HaveTheirLevels) {
     EXPECT_EQ(engineHandler::sLevel, 1);
     EXPECT_EQ(layerHandler::sLevel, 2);
     EXPECT_EQ(guiHandler::sLevel, 3);
+}
+
+TEST(ProcessHandlers, HaveTheirOperationsInOrder) {
+    EXPECT_EQ(KxTest::virtualSlot(&IProcessHandler::installProcessHandler), 2u);
+    EXPECT_EQ(KxTest::virtualSlot(&IProcessHandler::removeProcessHandler), 3u);
+    EXPECT_EQ(KxTest::virtualSlot(&IProcessHandler::processRequest), 4u);
+    EXPECT_EQ(KxTest::virtualSlot(&infoMessage::retain), 2u);
+    EXPECT_EQ(KxTest::virtualSlot(&infoMessage::release), 3u);
 }
 
 TEST(ProcessHandlers, AreThereForOtherStaticInitialisers) {

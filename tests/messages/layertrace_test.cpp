@@ -63,6 +63,17 @@ TEST(LayerTrace, FirstFourEntriesAreSavedWithoutSeparator) {
     EXPECT_EQ(handler.trace.size(), 5) << "nothing is taken out";
 }
 
+TEST(LayerTrace, IsSavedInUtf8) {
+    const ScratchFile file({traceFile}, "");
+    layerHandler handler;
+    for (const char16_t* text : {u"\u20AC", u"\u00E9", u"", u""})
+        trace(handler, 'm', 'l', QString::fromUtf16(text));
+    EXPECT_FALSE(handler.saveLogToFile());
+    EXPECT_EQ(
+        contentsOf(traceFile),
+        "--- m --- l --- \xE2\x82\xAC--- m --- l --- \xC3\xA9--- m --- l --- --- m --- l --- ");
+}
+
 TEST(LayerTrace, FileThatCannotBeOpenedGivesTrue) {
     std::filesystem::create_directory(traceFile);
     layerHandler handler;

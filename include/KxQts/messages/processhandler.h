@@ -62,7 +62,8 @@ public:
     void traceToLog(infoMessage* message);
 
     /// Writes the first four entries of the trace, one behind the other, to "traceLog.txt" in the
-    /// current directory. A trace of fewer entries ends the process with "index out of range".
+    /// current directory, in UTF-8. What the file held before is gone. A trace of fewer entries
+    /// ends the process with "index out of range".
     /// \return True when the file could **not** be opened, false once it is written.
     bool saveLogToFile();
 
@@ -97,6 +98,9 @@ extern KXQTS_EXPORT guiHandler g_GuiHandler;
 } // namespace Korvex
 
 using Korvex::engineHandler;
+using Korvex::g_EngineHandler;
+using Korvex::g_GuiHandler;
+using Korvex::g_LayerHandler;
 using Korvex::guiHandler;
 using Korvex::IProcessHandler;
 using Korvex::layerHandler;
