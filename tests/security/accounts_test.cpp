@@ -1,11 +1,14 @@
 #include <KxQts/winapi/security.h>
 
+#include "common/child.h"
+#include "common/fileover.h"
 #include "fakes/groups.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <grp.h>
 #include <unistd.h>
 #include <vector>
 
@@ -43,6 +46,28 @@ TEST(CurrentUserAdmin, IsAskedOfTheRealProcess) {
     EXPECT_EQ(KxSecurityIsCurrentUserAdmin(), expected);
 }
 
+TEST(CurrentUserAdmin, IsWhoTheSystemSaysItIs) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may change its groups";
+    const auto isAdminWith = [](std::vector<gid_t> groups) {
+        EXPECT_EQ(setgroups(groups.size(), groups.data()), 0);
+        return KxSecurityIsCurrentUserAdmin();
+    };
+    EXPECT_TRUE(KxTest::inChild([&] {
+        EXPECT_FALSE(isAdminWith({}));
+        EXPECT_FALSE(isAdminWith({0, 8, 800}));
+        EXPECT_TRUE(isAdminWith({8, 80}));
+        std::vector<gid_t> many(63, 7);
+        many.push_back(80);
+        EXPECT_TRUE(isAdminWith(many));
+        many.push_back(81);
+        EXPECT_FALSE(isAdminWith(many)) << "65 of them";
+        EXPECT_EQ(setgroups(0, nullptr), 0);
+        EXPECT_EQ(setgid(80), 0);
+        EXPECT_FALSE(KxSecurityIsCurrentUserAdmin()) << "a supplementary group is meant";
+    }));
+}
+
 TEST(UserAdmin, IsWhoHasGroupEighty) {
     KxTest::FakeGroups groups;
     groups.ofUsers = {{"ann", {5, 80}}, {"bob", {8, 800}}};
@@ -69,4 +94,25 @@ TEST(UserAdmin, IsNobodyInMoreThan64Groups) {
 TEST(UserAdmin, IsAskedOfTheRealDatabase) {
     EXPECT_FALSE(KxSecurityIsUserAdmin("kxqts-no-such-user"));
     EXPECT_FALSE(KxSecurityIsUserAdmin("nobody"));
+}
+
+TEST(UserAdmin, IsWhoTheDatabaseSaysItIs) {
+    std::string users = KxTest::contentsOf("/etc/passwd");
+    std::string groups = "root:x:0:\nkxadmins:x:80:kxone,kxmany,kx63,kx64\n";
+    for (const char* name : {"kxone", "kxmany", "kx63", "kx64", "kxnone"})
+        users += std::string(name) + ":x:54321:54321::/:/bin/sh\n";
+    users += "kxown:x:54322:80::/:/bin/sh\n";
+    for (int i = 1; i <= 69; ++i)
+        groups += "kxg" + std::to_string(i) + ":x:" + std::to_string(6000 + i) + ":kxmany" +
+                  (i <= 62 ? ",kx63" : "") + (i <= 63 ? ",kx64" : "") + "\n";
+    const KxTest::FileOver accounts("/etc/passwd", users);
+    const KxTest::FileOver membership("/etc/group", groups);
+    if (!accounts.mounted || !membership.mounted)
+        GTEST_SKIP() << "needs root's rights";
+    EXPECT_TRUE(KxSecurityIsUserAdmin("kxone"));
+    EXPECT_FALSE(KxSecurityIsUserAdmin("kxnone"));
+    EXPECT_FALSE(KxSecurityIsUserAdmin("kxmany")) << "in 70 groups";
+    EXPECT_TRUE(KxSecurityIsUserAdmin("kx63")) << "in 63 groups, and group 0 that the list has";
+    EXPECT_FALSE(KxSecurityIsUserAdmin("kx64"));
+    EXPECT_FALSE(KxSecurityIsUserAdmin("kxown")) << "the list begins with group 0 instead of this";
 }

@@ -1,5 +1,5 @@
+#include "common/fileover.h"
 #include "common/program.h"
-#include "common/scratchfile.h"
 #include "fakes/systemfacts.h"
 #include "modules/emptyfolder.h"
 
@@ -11,29 +11,8 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
-#include <sys/mount.h>
 
 namespace {
-
-/// Puts a file in the place of one of the machine's while it lives, for this program only.
-class FileOver {
-public:
-    FileOver(const char* place, const std::string& contents) : path(place), file(contents) {
-        mounted = mount(file.name.c_str(), path, nullptr, MS_BIND, nullptr) == 0;
-    }
-    ~FileOver() {
-        if (mounted)
-            umount(path);
-    }
-    FileOver(const FileOver&) = delete;
-    FileOver& operator=(const FileOver&) = delete;
-
-    bool mounted = false;
-
-private:
-    const char* path;
-    const KxTest::ScratchFile file;
-};
 
 std::string hashOf(const std::string& password) {
     std::string hash =
@@ -79,8 +58,8 @@ protected:
     }
 
     KxTest::EmptyFolderOver configuration{"/etc/pam.d"};
-    FileOver users{"/etc/passwd", accounts()};
-    FileOver hashes{"/etc/shadow", shadows()};
+    KxTest::FileOver users{"/etc/passwd", accounts()};
+    KxTest::FileOver hashes{"/etc/shadow", shadows()};
     void* library = nullptr;
     unsigned (*verify)(const char*, const char*) = nullptr;
 };

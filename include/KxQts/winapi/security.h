@@ -33,5 +33,5 @@ KXQTS_C_API bool KxSecurityIsCurrentUserAdmin(void);
 ///
 /// \param userName May be null, who is none. A name that the database does not know is none either.
 /// \return False also when the user is in more than 64 groups, counting group 0, which the list
-/// begins with.
+/// begins with in place of the user's own group: who only has 80 for that is no administrator.
 KXQTS_C_API bool KxSecurityIsUserAdmin(const char* userName);
