@@ -12,7 +12,8 @@ namespace {
 using namespace Korvex;
 
 // An identifier is passed on in 32 bits; which field lies where is told by the test that sets bits.
-static_assert(sizeof(KX_DEV_VOL_UNION) == 4 && alignof(KX_DEV_VOL_UNION) == 4);
+static_assert(sizeof(KX_DEV_VOL_UNION) == 4);
+static_assert(alignof(KX_DEV_VOL_UNION) == 4);
 static_assert(offsetof(KX_DEV_VOL_UNION, value) == 0 && sizeof(KX_DEV_VOL_UNION::value) == 4);
 static_assert(offsetof(KX_DEV_VOL_UNION, deviceNumber) == 0 &&
               sizeof(KX_DEV_VOL_UNION::deviceNumber) == 1);

@@ -41,12 +41,14 @@ enum VOLUME_PROPERTIES : int {
 KXQTS_EXPORT int convertPathToPartialDvID(const QString& path, KX_DEV_VOL_UNION& id);
 
 /// Gives the mount point of a volume.
-/// \return 1168 when there is no such disk, or it is not mounted.
+/// \return 1168 when there is no such disk, or it is not mounted; 66 for a mount point of more than
+/// 259 bytes.
 KXQTS_EXPORT int convertDvIDToPath(KX_DEV_VOL_UNION id, QString& path);
 
 /// Gives mount point and name of a volume. The search goes over the first 126 volumes and **ends
 /// with 87 at a network volume** that stands before the one looked for.
-/// \return −35 when there is none, but 0 when the 126th volume is there and another one.
+/// \return −35 when there is none, but 0 when the 126th volume is there and another one; −2110 for a
+/// mount point of more than 259 bytes.
 KXQTS_EXPORT int volumePropsFromDvID(KX_DEV_VOL_UNION id, QString& rootPath, QString& volumeName);
 
 /// Gives the name of a volume, as \ref volumePropsFromDvID does.
