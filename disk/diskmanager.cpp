@@ -1,5 +1,6 @@
 #include "platform/autoresetevent.h"
 #include "platform/diskarbiter.h"
+#include "platform/referencecounted.h"
 
 #include <KxQts/disk/diskobjects.h>
 
@@ -84,10 +85,7 @@ int WDiskManager::retain() {
 }
 
 int WDiskManager::release() {
-    const int left = --refCount;
-    if (left == 0)
-        delete this;
-    return left;
+    return giveUpReference(this);
 }
 
 int WDiskManager::unmount(unsigned long options) {

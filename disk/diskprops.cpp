@@ -1,5 +1,5 @@
 #include "platform/corefoundation/object.h"
-#include "platform/scopes.h"
+#include "platform/referencecounted.h"
 
 #include <KxQts/disk/diskobjects.h>
 #include <KxQts/errors.h>
@@ -73,10 +73,7 @@ int WDiskProps::retain() {
 }
 
 int WDiskProps::release() {
-    const int left = --refCount;
-    if (left == 0)
-        delete this;
-    return left;
+    return giveUpReference(this);
 }
 
 unsigned int WDiskProps::getIntegerProperty(int index, unsigned int& value) {

@@ -1,6 +1,7 @@
 #include <KxQts/messages/infomessage.h>
 
 #include "handles/disposal.h"
+#include "platform/referencecounted.h"
 
 #include <KxQts/messages/localization.h>
 
@@ -92,10 +93,7 @@ int infoMessage::retain() {
 }
 
 int infoMessage::release() {
-    const int left = --refCount;
-    if (left == 0)
-        delete this;
-    return left;
+    return giveUpReference(this);
 }
 
 } // namespace Korvex

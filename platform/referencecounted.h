@@ -7,6 +7,16 @@
 
 namespace Korvex {
 
+/// Gives up a reference of an object that counts them in a public field `refCount`, and the object
+/// with the last one. \return The count after it.
+template <class Counted>
+int giveUpReference(Counted* object) {
+    const int left = --object->refCount;
+    if (left == 0)
+        delete object;
+    return left;
+}
+
 /// Counts the references of an object, which begins with one. Any thread may count.
 template <class Interface>
 class ReferenceCounted : public Interface {
