@@ -86,7 +86,8 @@ public:
 /// caller names, the volume is mounted with all that is on it. All volumes of a disk are mounted
 /// without a path, whatever is given. Root mounts itself; for other users the system's UDisks2
 /// service does, which chooses the place itself and refuses a path.
-/// Any thread may use an object; one disk's requests are served one after the other.
+/// Any thread may use an object. Requests are served one after the other; those that a callback
+/// makes are served at once, so that it may wait for them.
 class KXQTS_EXPORT WDiskManager : public IRefCounter {
 public:
     /// Takes over a disk and the session that it was made in. Use the functions below.
@@ -111,8 +112,8 @@ public:
     /// \return 0, **also when it was refused**, as \ref unmount.
     virtual int mount(unsigned long options, const __CFURL* path);
 
-    /// Starts unmounting. \a callback is called once, on another thread; the object may be gone by
-    /// then. It may be null.
+    /// Starts unmounting. \a callback is called once, on another thread, or on this one where the
+    /// system has no more threads to give; the object may be gone by then. It may be null.
     virtual void unmount(DADiskCallback callback, void* context, unsigned long options);
 
     /// Starts mounting, as the form above.

@@ -5,7 +5,8 @@
 /// A volume or disk is named as that program takes it: by its mount point, its device node
 /// ("/dev/disk1s2", "disk1s2", the system's own name) or the name of the volume. Where a call says
 /// that a shell reads the name, blanks and other characters that mean something to a shell are
-/// quoted by the caller. There are no such calls on Windows.
+/// quoted by the caller. Any thread may call, and waits until the program has ended; `errno` means
+/// nothing afterwards. There are no such calls on Windows.
 #pragma once
 
 #include <KxQts/export.h>

@@ -19,7 +19,8 @@ static_assert(sizeof(BLK_CHUNK) == 16);
 ///
 /// Data that was just written is brought to the disk first. The last block counts as a whole one,
 /// an empty file is one block at 0, and space that was set aside and not written to yet counts like
-/// data. Ask with a capacity of 0 first, for the count.
+/// data. Ask with a capacity of 0 first, for the count. Any thread may call; a map is true as long
+/// as nobody writes to the file or moves its data.
 /// \param path The file. Links are followed.
 /// \param volume Receives the partial identifier of the file's volume, on some failures too.
 /// \param fileSize Receives the length in bytes, on some failures too.

@@ -39,7 +39,8 @@ protected:
 /// \param out Receives the text.
 /// \param source Ignored: texts are found by index only.
 /// \return What the resource library returns; 2, with \a out left alone, when it cannot be loaded
-/// or has no texts to give. The next lookup tries again then. Any thread may call.
+/// or has no texts to give. The next lookup tries again then. Any thread may call. `errno` means
+/// nothing afterwards.
 KXQTS_EXPORT int queryTranslate(int index, QString& out, const QString* source);
 
 /// Names the resource library. Has no effect any more once one is loaded.
