@@ -86,7 +86,7 @@ bool runsAtOnce() {
 void forbidThreads() {
     pthread_attr_t huge;
     pthread_attr_init(&huge);
-    pthread_attr_setstacksize(&huge, ~std::size_t{0} / 2 & ~std::size_t{0xFFFF});
+    pthread_attr_setstacksize(&huge, ~std::size_t{0} / 4 * 3 & ~std::size_t{0xFFFF});
     pthread_setattr_default_np(&huge);
 }
 
