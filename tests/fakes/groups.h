@@ -14,6 +14,7 @@ public:
     std::vector<unsigned> ofThisProcess;
     /// The groups of each user, beside the base group.
     std::map<std::string, std::vector<unsigned>> ofUsers;
+    std::map<unsigned, std::string> names;
 
     std::optional<std::vector<unsigned>> ofProcess(std::size_t limit) override {
         return fitting(ofThisProcess, limit);
@@ -26,7 +27,10 @@ public:
             all.insert(all.end(), found->second.begin(), found->second.end());
         return fitting(all, limit);
     }
-    std::optional<std::string> nameOf(unsigned) override { return std::nullopt; }
+    std::optional<std::string> nameOf(unsigned userId) override {
+        const auto found = names.find(userId);
+        return found == names.end() ? std::nullopt : std::optional(found->second);
+    }
 
 private:
     static std::optional<std::vector<unsigned>> fitting(const std::vector<unsigned>& groups,

@@ -1,6 +1,6 @@
 #include "platform/groups.h"
 
-#include "platform/replaceable.h"
+#include "fakes/groups.h"
 
 #include <gtest/gtest.h>
 
@@ -11,39 +11,38 @@ using Korvex::isAdministrator;
 
 namespace {
 
-/// Accounts as a test wants them: one user.
-class OneUser : public Korvex::GroupMembership {
-public:
-    std::vector<unsigned> groups;
+std::size_t countOfOwnGroups() {
+    return static_cast<std::size_t>(getgroups(0, nullptr));
+}
 
-    std::optional<std::vector<unsigned>> ofProcess(std::size_t) override { return groups; }
-    std::optional<std::vector<unsigned>> ofUser(const std::string& name, unsigned baseGroup,
-                                                std::size_t limit) override {
-        EXPECT_EQ(name, "ann");
-        EXPECT_NE(baseGroup, Korvex::administratorsGroup);
-        return groups.size() <= limit ? std::optional(groups) : std::nullopt;
-    }
-    std::optional<std::string> nameOf(unsigned userId) override {
-        return userId == 7 ? std::optional<std::string>("ann") : std::nullopt;
+/// The accounts of this machine.
+class RealAccounts {};
+
+/// The same as tests have them.
+class FakeAccounts {
+public:
+    FakeAccounts() {
+        groups.names[0] = "root";
+        groups.ofUsers["root"] = {};
+        groups.ofThisProcess.resize(countOfOwnGroups());
     }
 
 private:
-    Korvex::Replacement<Korvex::GroupMembership> inForce{*this};
+    KxTest::FakeGroups groups;
 };
+
+template <class Accounts>
+class AnyGroupMembership : public testing::Test {
+protected:
+    const Accounts accounts{};
+};
+
+using Kinds = testing::Types<RealAccounts, FakeAccounts>;
+TYPED_TEST_SUITE(AnyGroupMembership, Kinds);
 
 } // namespace
 
-TEST(GroupMembership, AdministratorsAreTheMembersOfGroupEighty) {
-    OneUser accounts;
-    EXPECT_FALSE(isAdministrator(7));
-    accounts.groups = {0, 8, 800, 81};
-    EXPECT_FALSE(isAdministrator(7));
-    accounts.groups = {5, 80};
-    EXPECT_TRUE(isAdministrator(7));
-    EXPECT_FALSE(isAdministrator(8)) << "nobody known";
-}
-
-TEST(GroupMembership, KnowsTheMachinesAccounts) {
+TYPED_TEST(AnyGroupMembership, KnowsAccounts) {
     EXPECT_EQ(groupMembership().nameOf(0), "root");
     EXPECT_FALSE(groupMembership().nameOf(4'123'456'789).has_value());
     const auto groups = groupMembership().ofUser("root", 12345, 64);
@@ -52,13 +51,25 @@ TEST(GroupMembership, KnowsTheMachinesAccounts) {
     EXPECT_EQ(groupMembership().ofUser("no such user", 7, 64), std::vector{7u});
 }
 
-TEST(GroupMembership, FitsTheLimitOrIsNotGiven) {
+TYPED_TEST(AnyGroupMembership, FitsTheLimitOrIsNotGiven) {
     EXPECT_FALSE(groupMembership().ofUser("root", 12345, 0).has_value());
-    const int count = getgroups(0, nullptr);
-    const auto own = groupMembership().ofProcess(static_cast<std::size_t>(count) + 1);
+    EXPECT_EQ(groupMembership().ofUser("no such user", 7, 1), std::vector{7u});
+    const std::size_t count = countOfOwnGroups();
+    const auto own = groupMembership().ofProcess(count + 1);
     ASSERT_TRUE(own.has_value());
-    EXPECT_EQ(own->size(), static_cast<std::size_t>(count));
+    EXPECT_EQ(own->size(), count);
     if (count > 1) {
         EXPECT_FALSE(groupMembership().ofProcess(1).has_value());
     }
+}
+
+TEST(GroupMembership, AdministratorsAreTheMembersOfGroupEighty) {
+    KxTest::FakeGroups accounts;
+    accounts.names[7] = "ann";
+    EXPECT_FALSE(isAdministrator(7));
+    accounts.ofUsers["ann"] = {0, 8, 800, 81};
+    EXPECT_FALSE(isAdministrator(7));
+    accounts.ofUsers["ann"] = {5, 80};
+    EXPECT_TRUE(isAdministrator(7));
+    EXPECT_FALSE(isAdministrator(8)) << "nobody known";
 }
