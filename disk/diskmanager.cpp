@@ -40,18 +40,18 @@ public:
     MountWait(const MountWait&) = delete;
     MountWait& operator=(const MountWait&) = delete;
 
-    /// Ends the waiting of a record, if it still waits.
-    static void end(void* context, DAReturn status) {
+    /// Ends the waiting of a record, if it still waits. How it went is not kept: callers look at
+    /// the volume, whose state tells it.
+    static void end(void* context) {
         const std::lock_guard guard(liveWaits().mutex);
         if (!liveWaits().records.contains(context))
             return;
         auto& wait = *static_cast<MountWait*>(context);
         wait.result = 0;
-        wait.flags = status;
         wait.event.set();
     }
 
-    /// Waits and tells the user. A refusal is not told: callers look at the volume instead.
+    /// Waits and tells the user.
     int outcome() {
         const bool succeeded = event.wait() == AutoResetEvent::Result::Signalled;
         const int told = succeeded ? result : -1;
@@ -63,16 +63,15 @@ public:
 
 private:
     AutoResetEvent event{false};
-    DAReturn flags = 0; // how it went, for whoever looks at the record
-    int result = 0;
+    int result = -1; // until it is over
 };
 
 } // namespace
 
-void callback(__DADisk*, const __DADissenter* dissenter, void* context) {
+void callback(__DADisk*, const __DADissenter*, void* context) {
     std::puts("***** EVENT!");
     if (context)
-        MountWait::end(context, DADissenterGetStatus(dissenter));
+        MountWait::end(context);
 }
 
 WDiskManager::~WDiskManager() {
