@@ -8,8 +8,8 @@
 
 namespace KxTest {
 
-/// The user that checks without root's rights run as when the tests run as root: "nobody", whom every
-/// system knows. A message bus talks to nobody whom it cannot look up.
+/// The user that checks without root's rights run as when the tests run as root: "nobody", whom
+/// every system knows. A message bus talks to nobody whom it cannot look up.
 inline constexpr uid_t ordinaryUser = 65534;
 
 /// Runs checks in a child process that has given up root's rights for good.
