@@ -263,6 +263,17 @@ TEST(CreateFile, NullAndEmptyNamesAreNotFound) {
     }
 }
 
+TEST(CreateFile, ANameWithAZeroInsideIsNotTheNameInFrontOfIt) {
+    const ScratchFile file("text");
+    const QString name = QString::fromStdString(file.name) + QChar() + u'x';
+    for (unsigned int disposition : {OPEN_EXISTING, TRUNCATE_EXISTING}) {
+        errno = 0;
+        EXPECT_EQ(createFile(name, readWrite, 0, nullptr, disposition, 0, nullptr), nullptr);
+        EXPECT_EQ(errno, 2);
+    }
+    EXPECT_EQ(contentsOf(file.name), "text");
+}
+
 TEST(CreateFile, AFailureOfTheSystemIsPassedOn) {
     EXPECT_EQ(openFile(std::string(5000, 'x'), GENERIC_READ, OPEN_ALWAYS), nullptr);
     EXPECT_EQ(errno, ENAMETOOLONG);
@@ -309,6 +320,18 @@ TEST(CreateFile, AFileObjectThatIsOpenAlreadyStaysAsItIs) {
     EXPECT_EQ(file->handle(), descriptor);
     EXPECT_EQ(readAll(file), "text");
     EXPECT_TRUE(CloseHandle(file));
+}
+
+TEST(CreateFile, AFileObjectThatRefusesTheDescriptorNamesTheError) {
+    // One that is open already refuses it and keeps the error that it has.
+    auto* file = new QFile(QStringLiteral("/dev/full"));
+    ASSERT_TRUE(file->open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    ASSERT_EQ(file->write("x", 1), -1);
+    const int error = file->error();
+    ASSERT_NE(error, 0);
+    errno = 0;
+    EXPECT_EQ(createFile(file, GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr), nullptr);
+    EXPECT_EQ(errno, error);
 }
 
 TEST(Transfer, ZeroBytesNullBuffersAndBadHandlesAreRefused) {
@@ -482,6 +505,10 @@ TEST(FilePointer, TheHighWordIsAddedToTheSignedLowWord) {
     high = 3;
     EXPECT_EQ(SetFilePointer(handle, INT32_MIN, &high, FILE_BEGIN), 0x80000000u);
     EXPECT_EQ(high, 2);
+    high = INT32_MIN;
+    EXPECT_EQ(SetFilePointer(handle, INT32_MIN, &high, FILE_CURRENT), INVALID_SET_FILE_POINTER)
+        << "the sum of both is below all numbers";
+    EXPECT_EQ(high, INT32_MIN);
     EXPECT_TRUE(CloseHandle(handle));
 }
 
