@@ -240,6 +240,13 @@ TEST(CreateFile, EightBitNamesAreLatin1AndOpenedAsSuch) {
     ASSERT_NE(handle, nullptr);
     EXPECT_EQ(readAll(handle), "text");
     EXPECT_TRUE(CloseHandle(handle));
+    const ScratchFile sameInUtf8(KxTest::Named{"na\xc3\xafve"}, "another");
+    handle = openFile(file.name, GENERIC_READ, OPEN_EXISTING);
+    ASSERT_NE(handle, nullptr) << "both names exist";
+    EXPECT_EQ(readAll(handle), "text");
+    EXPECT_TRUE(CloseHandle(handle));
+    EXPECT_EQ(openFile(file.name, GENERIC_READ, CREATE_NEW), nullptr);
+    EXPECT_EQ(errno, 17) << "asked by the name itself, too";
 }
 
 TEST(CreateFile, WideNamesAreNarrowed) {
