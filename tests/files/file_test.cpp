@@ -222,6 +222,19 @@ TEST(CreateFile, SharingWaitsForSomeonesExclusiveLock) {
     close(other);
 }
 
+TEST(CreateFile, TheFirstDescriptorIsOneLikeOthers) {
+    const ScratchFile file("text");
+    const int input = fcntl(0, F_DUPFD_CLOEXEC, 10);
+    close(0);
+    HANDLE handle = openFile(file.name, GENERIC_READ, OPEN_EXISTING);
+    ASSERT_NE(handle, nullptr);
+    EXPECT_EQ(static_cast<QFile*>(handle)->handle(), 0);
+    EXPECT_EQ(readAll(handle), "text");
+    EXPECT_TRUE(CloseHandle(handle));
+    dup2(input, 0);
+    close(input);
+}
+
 TEST(CreateFile, DescriptorsAreNotInherited) {
     const ScratchFile file("text");
     HANDLE handle = openFile(file.name, GENERIC_READ, OPEN_EXISTING);

@@ -210,10 +210,13 @@ TEST_F(Log, AnEmptyPathMeansLogfileLog) {
 
 TEST_F(Log, TheFlagForTheTemporaryFolderKeepsTheFileName) {
     const PrivateTmp tmp;
-    Korvex::IOLogOpen("x/y/kxqts-test.log", inTmp | newFile, "", "");
-    EXPECT_THAT(contentsOf("/tmp/kxqts-test.log"), MatchesRegex(stamp + " : has been loaded.\n"));
-    std::filesystem::remove("/tmp/kxqts-test.log");
-    EXPECT_EQ(Korvex::IOLogClose(), 0);
+    for (const char* path : {"x/y/kxqts-test.log", "/kxqts-test.log"}) {
+        Korvex::IOLogOpen(path, inTmp | newFile, "", "");
+        EXPECT_THAT(contentsOf("/tmp/kxqts-test.log"),
+                    MatchesRegex(stamp + " : has been loaded.\n"));
+        std::filesystem::remove("/tmp/kxqts-test.log");
+        EXPECT_EQ(Korvex::IOLogClose(), 0);
+    }
 }
 
 TEST_F(Log, TheFlagForTheTemporaryFolderWithoutASlashMeansLogfileLog) {
@@ -241,6 +244,12 @@ TEST_F(Log, WithoutFlagsOnlyTheTitleChanges) {
     EXPECT_EQ(__kx_glog.title, "other");
     EXPECT_EQ(Korvex::IOLogOpen(file.name.c_str(), inTmp, "third", "module"), 1);
     EXPECT_EQ(__kx_glog.title, "third");
+    for (const unsigned unknown : {~(off | inTmp | newFile | appending), 1U, 8U}) {
+        EXPECT_EQ(Korvex::IOLogOpen("other.log", unknown, "fourth", "module"), 1);
+        EXPECT_EQ(__kx_glog.fd, before);
+        EXPECT_FALSE(std::filesystem::exists("other.log"));
+    }
+    EXPECT_EQ(__kx_glog.title, "fourth");
     EXPECT_EQ(logged(), "");
 }
 
