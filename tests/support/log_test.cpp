@@ -285,6 +285,16 @@ TEST_F(Log, TheFileNeverTakesTheNumberOfAStandardDescriptor) {
     close(input);
 }
 
+TEST_F(Log, TheFileMayTakeTheNumberOfStandardError) {
+    const int standardError = fcntl(2, F_DUPFD_CLOEXEC, 10);
+    close(2);
+    Korvex::IOLogOpen(file.name.c_str(), newFile, "", "");
+    EXPECT_EQ(__kx_glog.fd, 2);
+    EXPECT_EQ(Korvex::IOLogClose(), 0);
+    dup2(standardError, 2);
+    close(standardError);
+}
+
 TEST_F(Log, OpeningAgainReplacesTheDescriptorWithoutClosingIt) {
     openQuietly();
     const int first = __kx_glog.fd;
