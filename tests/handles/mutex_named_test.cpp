@@ -2,6 +2,7 @@
 
 #include "common/blocking.h"
 #include "common/child.h"
+#include "common/unprivileged.h"
 #include "handles/mutexes.h"
 
 #include <KxQts/winapi/handles.h>
@@ -77,6 +78,19 @@ TEST(Mutex, OneThatExistsInTheSystemIsNeverJoinedByWhoAsksToOwnIt) {
     EXPECT_EQ(errno, 17);
     EXPECT_EQ(name.count(), 1);
     EXPECT_TRUE(WMutex::sObjectList.isEmpty());
+}
+
+TEST(Mutex, OneThatMayNotBeOpenedIsNotJoined) {
+    const Name name;
+    name.make(1);
+    ASSERT_EQ(chmod("/dev/shm/sem.kxqts-mutex", 0), 0);
+    EXPECT_TRUE(KxTest::asOrdinaryUser([&] {
+        errno = 0;
+        EXPECT_EQ(CreateMutexA(nullptr, FALSE, name), nullptr);
+        EXPECT_EQ(errno, EACCES) << "what joining it says";
+        EXPECT_EQ(CreateMutexA(nullptr, TRUE, name), nullptr);
+        EXPECT_EQ(errno, 17) << "what making it says";
+    }));
 }
 
 TEST(Mutex, AnotherProcessSharesTheNamedOne) {
