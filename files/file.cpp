@@ -48,11 +48,15 @@ std::optional<Opening> openingFor(unsigned int disposition) {
     }
 }
 
+bool isAsciiText(QChar c) {
+    return !c.isNull() && c.unicode() < 0x80;
+}
+
 /// Whether opening a file by its Latin-1 name also answers whether the file object's own name
-/// exists: both are the same bytes, and it is no name that Qt keeps for resources.
+/// exists: both are the same bytes, none of them zero, and it is no name that Qt keeps for
+/// resources.
 bool opensByTheNameItHas(const QString& name) {
-    return !name.startsWith(u':') &&
-           std::all_of(name.begin(), name.end(), [](QChar c) { return c.unicode() < 0x80; });
+    return !name.startsWith(u':') && std::all_of(name.begin(), name.end(), isAsciiText);
 }
 
 /// \return 0, or the error that keeps a file from being opened.

@@ -90,13 +90,12 @@ BOOL SetFilePointerEx(HANDLE hFile, LARGE_INTEGER liDistanceToMove, LARGE_INTEGE
 
 DWORD SetFilePointer(HANDLE hFile, LONG lDistanceToMove, PLONG lpDistanceToMoveHigh,
                      DWORD dwMoveMethod) {
-    long long distance = lDistanceToMove;
-    // Added to the signed low word, not put in front of it: callers rely on the sum.
+    auto distance = static_cast<unsigned long long>(lDistanceToMove);
+    // Added to the signed low word, not put in front of it: callers rely on the sum, which wraps.
     if (lpDistanceToMoveHigh)
-        distance += static_cast<long long>(static_cast<unsigned long long>(*lpDistanceToMoveHigh)
-                                           << wordBits);
+        distance += static_cast<unsigned long long>(*lpDistanceToMoveHigh) << wordBits;
     long long position = 0;
-    if (!setFilePointer(hFile, distance, &position, dwMoveMethod))
+    if (!setFilePointer(hFile, static_cast<long long>(distance), &position, dwMoveMethod))
         return INVALID_SET_FILE_POINTER;
     if (lpDistanceToMoveHigh)
         *lpDistanceToMoveHigh = static_cast<LONG>(highWord(position));

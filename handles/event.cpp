@@ -3,6 +3,7 @@
 #include "handles/classes.h"
 #include "handles/disposal.h"
 #include "platform/autoresetevent.h"
+#include "platform/scopes.h"
 
 #include <KxQts/winapi/handles.h>
 
@@ -19,6 +20,7 @@ bool isWaitTime(DWORD ms) {
 }
 
 DWORD waitFor(AutoResetEvent& event, DWORD ms) {
+    const ErrorNumberKept kept;
     const AutoResetEvent::Result result =
         ms == INFINITE ? event.wait() : event.wait(std::chrono::milliseconds(ms));
     switch (result) {

@@ -76,11 +76,14 @@ bool Thread::Start(int newPriority, unsigned long stackSize) {
     pthread_attr_setinheritsched(&attr, PTHREAD_EXPLICIT_SCHED);
     pthread_attr_setschedpolicy(&attr, SCHED_OTHER);
     pthread_attr_setschedparam(&attr, &parameters);
-    pthread_attr_setstacksize(&attr, usableStackSize(std::max(stackSize, leastAskedFor)));
-    if (pthread_create(&thread, &attr, threadProc, this) == 0)
-        return true;
-    thread = 0;
-    return false;
+    const unsigned long askedFor = std::max(stackSize, leastAskedFor);
+    pthread_attr_setstacksize(&attr, usableStackSize(askedFor));
+    const bool isStarted = pthread_create(&thread, &attr, threadProc, this) == 0;
+    // The attributes tell what was asked for, as far as the system lets them.
+    pthread_attr_setstacksize(&attr, askedFor);
+    if (!isStarted)
+        thread = 0;
+    return isStarted;
 }
 
 void* Thread::threadProc(void* thread) {

@@ -1,11 +1,11 @@
 #include "support/systemtext.h"
 
+#include "platform/scopes.h"
 #include "platform/textencoding.h"
 #include "support/ascii.h"
 #include "support/wipe.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <functional>
 
 namespace Korvex {
@@ -52,18 +52,18 @@ int store(std::wstring_view characters, wchar_t* out) {
 // Kept out of the way of plain ASCII text.
 [[gnu::noinline]] int convertThenStore(TextEncoding& encoding, std::string_view bytes,
                                        wchar_t* out) {
-    const int error = errno;
     std::array<wchar_t, longestDecodedText> characters;
     const auto count = encoding.decode(bytes, characters);
     const int units = count ? store(withoutMark({characters.data(), *count}), out) : 0;
     wipe(characters.data(), count.value_or(characters.size()) * sizeof(wchar_t));
-    errno = error;
     return units;
 }
 
 } // namespace
 
 int decodeSystemText(std::string_view bytes, wchar_t* out) {
+    // Also while the encoding is looked up, at its first use.
+    const ErrorNumberKept kept;
     TextEncoding& encoding = systemTextEncoding();
     return isAscii(bytes) && encoding.extendsAscii() && !overlap(bytes, out)
                ? widenAscii(bytes, out)

@@ -1,6 +1,6 @@
 #include "common/memory.h"
 
-#include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <new>
 #include <unistd.h>
@@ -40,7 +40,9 @@ void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     if (allocationsUntilFailure > 0)
         --allocationsUntilFailure;
     try {
-        return ::operator new[](size);
+        // Nobody may count on zeros there.
+        constexpr int leftOver = 0xA5;
+        return std::memset(::operator new[](size), leftOver, size);
     } catch (const std::bad_alloc&) {
         return nullptr;
     }

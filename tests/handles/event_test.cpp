@@ -93,6 +93,16 @@ TEST(Event, ATimedOutWaitTakesAtLeastItsTime) {
     EXPECT_TRUE(CloseHandle(event));
 }
 
+TEST(Event, WaitsLeaveErrnoAlone) {
+    HANDLE event = makeEvent(TRUE);
+    errno = 77;
+    EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_TIMEOUT);
+    EXPECT_EQ(WaitForSingleObject(event, 1), WAIT_TIMEOUT);
+    EXPECT_EQ(errno, 77);
+    EXPECT_TRUE(CloseHandle(event));
+}
+
 TEST(Event, ClosingEndsTheWaitOfAnotherThread) {
     auto* event = static_cast<WEvent*>(makeEvent(FALSE));
     std::thread waiter([&] { EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_FAILED); });

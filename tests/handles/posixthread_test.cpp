@@ -182,6 +182,17 @@ TEST(PosixThread, OrdinaryCodeRunsOnTheSmallestStack) {
     }
 }
 
+TEST(PosixThread, ItsAttributesTellTheStackThatWasAskedFor) {
+    for (unsigned long asked : {65'536ul, 2'000'000ul}) {
+        Running thread([](Running&) {});
+        ASSERT_TRUE(thread.Start(0, asked));
+        thread.Join();
+        std::size_t size = 0;
+        EXPECT_EQ(pthread_attr_getstacksize(&thread.attr, &size), 0);
+        EXPECT_EQ(size, asked);
+    }
+}
+
 TEST(PosixThread, TellsWhereTheSystemStartsNone) {
     EXPECT_TRUE(KxTest::asOrdinaryUser([] {
         const rlimit none{0, 0};

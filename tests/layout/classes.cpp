@@ -29,6 +29,8 @@ static_assert(sizeof(WEvent::refCount) == 4 && sizeof(WMutex::refCount) == 4);
 static_assert(sizeof(WThread::refCount) == 4 && sizeof(WProcess::refCount) == 4);
 static_assert(sizeof(WLibrary::refCount) == 4 && sizeof(infoMessage::refCount) == 4);
 
+static_assert(offsetof(WEvent, event) == offsetof(WEvent, refCount) + either<4, 8>);
+
 constexpr std::size_t mutexFields = offsetof(WMutex, refCount);
 static_assert(offsetof(WMutex, name) == mutexFields + either<4, 8>);
 static_assert(offsetof(WMutex, sysV) == offsetof(WMutex, name) + text);

@@ -393,6 +393,11 @@ TEST(ConversionInLocale, ReplacesLooselyOrFails) {
     EXPECT_EQ(narrow(std::wstring(11, L'€')).count, 0);
 }
 
+TEST(ConversionInLocale, LookingItUpLeavesErrnoAlone) {
+    const InLocale unknown("xx_XX.KXQTS-UNKNOWN");
+    EXPECT_EQ(widen("abc").text(), L"abc") << "at the first use, and of text in no need of it";
+}
+
 TEST(ConversionInLocale, MultiByteTextStaysWithinItsLimits) {
     const InLocale locale("ja_JP.EUC-JP");
     EXPECT_EQ(widen("\xC6\xFC\xCB\xDC").text(), L"日本");

@@ -1,6 +1,7 @@
 #include <KxQts/support/text.h>
 
 #include "common/memory.h"
+#include "security/memorysearch.h"
 
 #include <gtest/gtest.h>
 
@@ -85,6 +86,18 @@ TEST(WCString, IsWipedBeforeItsMemoryIsFreed) {
         ASSERT_EQ(rest(buffer, size), std::string(buffer, size).substr(usedByTheHeap));
     }
     EXPECT_EQ(rest(buffer, size), zeros(size));
+}
+
+TEST(WCString, IsTheOnlyCopyAndLeavesNone) {
+    const KxTest::UnwrittenText text(40);
+    QString string;
+    text.writeTo(string);
+    {
+        const WCString copy(string);
+        EXPECT_EQ(copy.size, 41U);
+        EXPECT_EQ(text.occurrences(sizeof(char)), 1U);
+    }
+    EXPECT_EQ(text.occurrences(sizeof(char)), 0U);
 }
 
 TEST(WWString, IsAWideCopy) {

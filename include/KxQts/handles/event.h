@@ -60,14 +60,15 @@ public:
 
     std::atomic<int> refCount{1};
 
+    /// What is waited for. Shared with the threads that wait: it outlives the handle until they
+    /// have left.
+    std::shared_ptr<AutoResetEvent> event;
+
 private:
     friend struct HandleClassTable;
 
     // Waits for an event whose class lock is held, and leaves the lock before the thread blocks.
     KXQTS_INTERNAL static DWORD waitForLive(WEvent& live, DWORD ms, std::optional<LockGuard>& held);
-
-    // Shared with the threads that wait: it outlives the handle until they have left.
-    std::shared_ptr<AutoResetEvent> event;
 };
 
 } // namespace Korvex

@@ -69,6 +69,8 @@ public:
 
     bool stopRequested = false; ///< Cleared by \ref Start and \ref Join
     pthread_t thread = 0;       ///< 0 when there is none
+    /// What \ref Start asks the system for. The stack is the size that was asked for, where the
+    /// system knows so small a one, and not what the thread got.
     pthread_attr_t attr{};
     int priority = 0; ///< The last one asked for or read
 

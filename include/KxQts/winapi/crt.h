@@ -127,7 +127,8 @@ KXQTS_C_API char* _strdate(char* dst);
 KXQTS_C_API wchar_t* _wstrdate(wchar_t* dst);
 
 /// Writes the local time, "hour:minute:second" with two digits each, and a terminator: 9
-/// characters. \return \a dst; null when that is null.
+/// characters.
+/// \return \a dst; null when that is null.
 KXQTS_C_API char* _strtime(char* dst);
 /// \copydoc _strtime
 KXQTS_C_API wchar_t* _wstrtime(wchar_t* dst);
@@ -197,9 +198,10 @@ KXQTS_C_API errno_t _ultow_s(unsigned long value, wchar_t* dst, size_t size, int
 /// the separator behind it. A path right below the root has no parts at all. Of a path that begins
 /// with `/Volumes` the drive is what stands from its fifth character up to the next separator.
 /// \param drive, dir, fname, ext Each may be null, and is not wanted then; its size does not
-/// matter. \return 0 with `errno` 0. 22, in `errno` too, for a null path and for a size of 0
-/// (outputs before that one, or all of them, are empty then). 34, in `errno` too, when a part does
-/// not fit: all outputs are empty then.
+/// matter.
+/// \return 0 with `errno` 0. 22, in `errno` too, for a null path and for a size of 0 (outputs before
+/// that one, or all of them, are empty then). 34, in `errno` too, when a part does not fit: all
+/// outputs are empty then.
 KXQTS_C_API errno_t _splitpath_s(const char* path, char* drive, size_t driveSize, char* dir,
                                  size_t dirSize, char* fname, size_t fnameSize, char* ext,
                                  size_t extSize);
@@ -219,8 +221,9 @@ KXQTS_C_API void _wsplitpath(const wchar_t* path, wchar_t* drive, wchar_t* dir, 
 /// The drive counts when it contains "/Volumes". The path begins with a separator **always**:
 /// `dir`, `file` and `txt` give `/dir/file.txt`. Separators and dots between the parts are put in
 /// where they are missing, and are not doubled.
-/// \param path Receives the path; its room is not checked. \param drive, dir, fname, ext May be
-/// null. \return \a path; \a ext when \a path is null. `errno` is left alone.
+/// \param path Receives the path; its room is not checked.
+/// \param drive, dir, fname, ext May be null.
+/// \return \a path; \a ext when \a path is null. `errno` is left alone.
 KXQTS_C_API char* _makepath(char* path, const char* drive, const char* dir, const char* fname,
                             const char* ext);
 /// \copydoc _makepath
@@ -231,8 +234,9 @@ KXQTS_C_API wchar_t* _wmakepath(wchar_t* path, const wchar_t* drive, const wchar
 ///
 /// Differs from \ref _makepath in two points: the path begins with a separator only when a drive is
 /// given (`dir`, `file` and `txt` give `dir/file.txt`), and a file name is always followed by a
-/// dot, with or without an extension. \return 0 with `errno` 0. In `errno` too: 22 for a null path,
-/// a size of 0 and a path that does not fit, 12 when there is no memory for \a size characters.
+/// dot, with or without an extension.
+/// \return 0 with `errno` 0. In `errno` too: 22 for a null path, a size of 0 and a path that does not
+/// fit, 12 when there is no memory for \a size characters.
 KXQTS_C_API errno_t _makepath_s(char* path, size_t size, const char* drive, const char* dir,
                                 const char* fname, const char* ext);
 /// \copydoc _makepath_s

@@ -52,20 +52,21 @@
 /// \param dwDesiredAccess `GENERIC_WRITE` alone opens for writing, together with `GENERIC_READ` for
 /// both; everything else opens for reading.
 /// \param dwShareMode With `FILE_SHARE_READ` or `FILE_SHARE_WRITE` the call takes a shared advisory
-/// lock on the file and waits for it; otherwise no lock is taken, never an exclusive one. \param
-/// dwCreationDisposition What is done with a file that exists or does not: | value               |
-/// file exists         | file is missing     |
-/// |---------------------|---------------------|---------------------|
-/// | `CREATE_NEW`        | fails, `errno` 17   | fails, `errno` 2: a file is never created |
-/// | `CREATE_ALWAYS`     | opened, contents kept | created           |
-/// | `OPEN_EXISTING`     | opened              | fails, `errno` 2    |
-/// | `OPEN_ALWAYS`       | opened              | created             |
-/// | `TRUNCATE_EXISTING` | emptied             | fails, `errno` 2    |
+/// lock on the file and waits for it; otherwise no lock is taken, never an exclusive one.
+/// \param dwCreationDisposition What is done with a file that exists or does not:
+/// | value               | file exists           | file is missing                           |
+/// |---------------------|-----------------------|-------------------------------------------|
+/// | `CREATE_NEW`        | fails, `errno` 17     | fails, `errno` 2: a file is never created |
+/// | `CREATE_ALWAYS`     | opened, contents kept | created                                   |
+/// | `OPEN_EXISTING`     | opened                | fails, `errno` 2                          |
+/// | `OPEN_ALWAYS`       | opened                | created                                   |
+/// | `TRUNCATE_EXISTING` | emptied               | fails, `errno` 2                          |
 /// \param dwFlagsAndAttributes `FILE_FLAG_DELETE_ON_CLOSE` is kept in the file object's open mode
-/// (bit 0x80) and has no other effect; everything else is ignored. \param lpSecurityAttributes,
-/// hTemplateFile Ignored. \return The handle, with `errno` 0, owned by the caller until
-/// `CloseHandle`. **Null** on every failure (not `INVALID_HANDLE_VALUE`), with `errno` 17, 2, 22
-/// (no such disposition), 12 (no memory), or as left by `open`; nothing is left open then.
+/// (bit 0x80) and has no other effect; everything else is ignored.
+/// \param lpSecurityAttributes, hTemplateFile Ignored.
+/// \return The handle, with `errno` 0, owned by the caller until `CloseHandle`. **Null** on every
+/// failure (not `INVALID_HANDLE_VALUE`), with `errno` 17, 2, 22 (no such disposition), 12 (no
+/// memory), or as left by `open`; nothing is left open then.
 KXQTS_C_API HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                                LPSECURITY_ATTRIBUTES lpSecurityAttributes,
                                DWORD dwCreationDisposition, DWORD dwFlagsAndAttributes,
@@ -80,9 +81,10 @@ KXQTS_C_API HANDLE CreateFileW(LPCWSTR lpFileName, DWORD dwDesiredAccess, DWORD 
 ///
 /// \param nNumberOfBytesToRead Bytes wanted, at least 1: asking for none fails with `errno` 22.
 /// \param lpNumberOfBytesRead Receives the count of bytes read; may be null. A short count is a
-/// success, and so is 0 at the end of the file. \param lpOverlapped Ignored. \return `TRUE` with
-/// `errno` 0. `FALSE` with `errno` 22 for what is no open file, no bytes or a null buffer, 5 when
-/// the transfer fails.
+/// success, and so is 0 at the end of the file. A failure leaves it alone.
+/// \param lpOverlapped Ignored.
+/// \return `TRUE` with `errno` 0. `FALSE` with `errno` 22 for what is no open file, no bytes or a
+/// null buffer, 5 when the transfer fails.
 KXQTS_C_API BOOL ReadFile(HANDLE hFile, LPVOID lpBuffer, DWORD nNumberOfBytesToRead,
                           LPDWORD lpNumberOfBytesRead, LPOVERLAPPED lpOverlapped);
 
@@ -102,8 +104,9 @@ KXQTS_C_API BOOL SetFilePointerEx(HANDLE hFile, LARGE_INTEGER liDistanceToMove,
 ///
 /// \param lpDistanceToMoveHigh May be null. Its value times 2^32 is **added** to the low word,
 /// which counts as signed: with bit 31 of the low word set the distance is 2^32 less than on
-/// Windows. Receives the high word of the new position. \return The low word of the new position.
-/// `INVALID_SET_FILE_POINTER` with `errno` 22 on failure; the high word is left alone then.
+/// Windows. Receives the high word of the new position.
+/// \return The low word of the new position, with `errno` 0. `INVALID_SET_FILE_POINTER` with `errno`
+/// 22 on failure; the high word is left alone then.
 KXQTS_C_API DWORD SetFilePointer(HANDLE hFile, LONG lDistanceToMove, PLONG lpDistanceToMoveHigh,
                                  DWORD dwMoveMethod);
 

@@ -35,11 +35,12 @@ KXQTS_C_API BOOL CloseHandle(HANDLE h);
 /// `WAIT_FAILED` without waiting. For an event the time is measured on a clock that nobody sets.
 /// For a mutex it is counted in tries with a pause of a millisecond behind each, one more than
 /// there are milliseconds; 0 is a single try. A mutex without a name is taken by an `INFINITE` wait
-/// only and times out else. \return `WAIT_OBJECT_0`, `WAIT_TIMEOUT` or `WAIT_FAILED`. `errno` is
-/// not part of the result.
-///
-/// Differs from Windows: every event resets itself, a wait that succeeds takes the signal; a thread
-/// that has a mutex already waits for it like any other.
+/// only and times out else.
+/// \return `WAIT_OBJECT_0`, `WAIT_TIMEOUT` or `WAIT_FAILED`. `errno` is left alone by a wait for an
+/// event; a wait for a mutex leaves the system's number when it was not taken.
+/// \par Differs from Windows
+/// Every event resets itself: a wait that succeeds takes the signal. A thread that has a mutex
+/// already waits for it like any other.
 KXQTS_C_API DWORD WaitForSingleObject(HANDLE h, DWORD milliseconds);
 
 /// Makes an event.

@@ -3,15 +3,11 @@
 /// what it has anyway. They are inline: the library does not export them.
 #pragma once
 
-#include <KxQts/export.h>
 #include <KxQts/winapi/handles.h>
+#include <KxQts/winapi/text.h>
 #include <KxQts/winapi/types.h>
 
 #include <errno.h>
-
-/// Lets the calling thread sleep for \a ms milliseconds, at least.
-/// \return 0, or −1 when a signal ended the sleep.
-KXQTS_C_API int kx_sleep(unsigned int ms);
 
 /// Tells the number that the last call of this thread left behind: `errno`. Many calls leave POSIX
 /// numbers there, and calls that say nothing of `errno` may leave it as it was.
