@@ -4,8 +4,8 @@
 #include <KxQts/files/find.h>
 #include <KxQts/winapi/find.h>
 
-#include "files/path.h"
 #include "files/search.h"
+#include "support/wintext.h"
 
 #include <QFile>
 
@@ -27,11 +27,11 @@ bool stepToNext(Korvex::Search& search) {
 } // namespace
 
 HANDLE FindFirstFileA(LPCSTR lpFileName, LPWIN32_FIND_DATA lpFindFileData) {
-    return findFirstFile(Korvex::pathFrom(lpFileName), lpFindFileData);
+    return findFirstFile(Korvex::windowsText(lpFileName), lpFindFileData);
 }
 
 HANDLE FindFirstFileW(LPCWSTR lpFileName, LPWIN32_FIND_DATA lpFindFileData) {
-    return findFirstFile(Korvex::pathFrom(lpFileName), lpFindFileData);
+    return findFirstFile(Korvex::windowsText(lpFileName), lpFindFileData);
 }
 
 BOOL FindNextFile(HANDLE hFindFile, LPWIN32_FIND_DATA) {
