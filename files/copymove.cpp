@@ -96,7 +96,7 @@ bool moveOnto(const QFileInfo& source, const QFileInfo& target) {
 }
 
 bool move(const QFileInfo& source, const QFileInfo& target) {
-    if (source.fileName().isEmpty() || target.fileName().isEmpty())
+    if (source.fileName().isEmpty())
         return false;
     switch (relationOf(source, target)) {
     case Relation::Same:
@@ -141,6 +141,8 @@ bool deleteFile(const QString& path) {
         errno = Error::NotFound;
         return false;
     }
-    errno = 0;
-    return QFile::remove(path);
+    const bool removed = QFile::remove(path);
+    if (removed)
+        errno = Error::None;
+    return removed;
 }

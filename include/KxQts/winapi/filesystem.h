@@ -84,7 +84,7 @@ KXQTS_C_API BOOL CopyFileW(LPCWSTR lpExistingFileName, LPCWSTR lpNewFileName, BO
 ///
 /// A target that exists is replaced (Windows refuses it), unless it is a folder, which is never
 /// replaced; a target whose replacement fails is still there. Moving something onto itself does
-/// nothing. Neither path may end with a slash.
+/// nothing. The source may not end with a slash, and the target only if it names a folder to be.
 /// \return `TRUE`, with `errno` 2. `FALSE` with `errno` 2 when the source is missing, else as left
 /// by the system.
 KXQTS_C_API BOOL MoveFileA(LPCSTR lpExistingFileName, LPCSTR lpNewFileName);
