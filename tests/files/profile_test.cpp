@@ -270,8 +270,14 @@ TEST_F(Profile, AProfileWithoutANameIsNone) {
     errno = 0;
     EXPECT_FALSE(WritePrivateProfileStringA(nullptr, "Size", "1", "/folder/"));
     EXPECT_EQ(errno, 1010);
+    errno = 0;
+    EXPECT_FALSE(WritePrivateProfileStringA("Main", nullptr, nullptr, nullptr));
+    EXPECT_EQ(errno, 1010);
     char buffer[8] = "#";
-    EXPECT_EQ(GetPrivateProfileStringA(nullptr, nullptr, "d", buffer, 8, nullptr), 1U);
+    EXPECT_EQ(GetPrivateProfileStringA("Main", "Size", "d", buffer, 8, nullptr), 1U);
+    buffer[0] = '#';
+    EXPECT_EQ(GetPrivateProfileStringA(nullptr, nullptr, "d", buffer, 8, nullptr), 0U);
+    EXPECT_EQ(buffer[0], '#') << "an empty list";
 }
 
 TEST_F(Profile, ASuccessLeavesErrnoAlone) {
