@@ -1,3 +1,4 @@
+#include "common/noplaceleft.h"
 #include "files/folder.h"
 #include "files/search.h"
 #include "handles/addresses.h"
@@ -272,6 +273,14 @@ TEST_F(Find, SearchesOfDifferentThreadsDoNotDisturbEachOther) {
         });
     for (std::thread& thread : threads)
         thread.join();
+}
+
+TEST_F(Find, WithoutMemoryTheErrorIs12) {
+    makeFile("a.txt");
+    const KxTest::NoPlaceLeft exhausted;
+    errno = 77;
+    EXPECT_EQ(FindFirstFileA("*.txt", nullptr), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(errno, 12);
 }
 
 TEST_F(Find, ManySearchesMayBeOpen) {
