@@ -10,17 +10,17 @@
 #include <QFile>
 
 #include <cerrno>
+#include <limits>
 
 namespace Error = Korvex::Error;
 
 namespace {
 
-/// Steps on whether or not there is anything, but never further than just behind the end.
+/// Steps on whether or not there is anything; every call counts.
 /// \return Whether something of the next name exists in the current folder.
 bool stepToNext(Korvex::Search& search) {
-    if (search.index >= search.names.size())
-        return false;
-    ++search.index;
+    if (search.index < std::numeric_limits<int>::max())
+        ++search.index;
     return search.index < search.names.size() && QFile::exists(search.names.at(search.index));
 }
 

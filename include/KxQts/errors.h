@@ -15,8 +15,6 @@ inline constexpr int StatusNameTooLong = -1410;
 inline constexpr int StatusNoFolder = -1407;
 /// No memory
 inline constexpr int StatusNoMemory = -108;
-/// @{
-
 /// A transfer failed
 inline constexpr int StatusReadFailed = -36;
 /// Success

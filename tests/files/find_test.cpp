@@ -17,6 +17,7 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
+#include <limits>
 #include <thread>
 #include <vector>
 
@@ -207,6 +208,9 @@ TEST_F(Find, BehindTheEndItStaysAtTheEnd) {
     HANDLE search = FindFirstFileA("*.txt", nullptr);
     for (int i = 0; i < 1000; ++i)
         EXPECT_FALSE(FindNextFile(search, nullptr));
+    EXPECT_EQ(Korvex::searchBehind(search)->index, 1000) << "every step counts";
+    Korvex::searchBehind(search)->index = std::numeric_limits<int>::max();
+    EXPECT_FALSE(FindNextFile(search, nullptr)) << "and the count does not wrap";
     EXPECT_TRUE(FindClose(search));
 }
 
