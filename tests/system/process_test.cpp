@@ -55,7 +55,9 @@ TEST(ProcessWait, IsTrueOnceWhenTheProcessEnds) {
 TEST(ProcessWait, TimesOut) {
     const Child child = start("/bin/cat");
     const auto begin = std::chrono::steady_clock::now();
+    errno = 55;
     EXPECT_FALSE(WProcess::wait(child.process(), 30));
+    EXPECT_EQ(errno, 55);
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(29));
     EXPECT_FALSE(WProcess::wait(child.process(), 0));
     child.process()->closeWriteChannel();
