@@ -117,6 +117,15 @@ TEST_F(Move, OfAFolderReplacesAFile) {
     EXPECT_EQ(entries(), 1);
 }
 
+TEST_F(Move, OfAFolderReplacesAFileThatIsNamedByWayOfIt) {
+    makeFolder("inner");
+    makeFile("inner/a", "text");
+    makeFile("b");
+    EXPECT_TRUE(MoveFileA("inner", "inner/../b"));
+    EXPECT_EQ(contentsOf("b/a"), "text");
+    EXPECT_EQ(entries(), 1) << "nothing stays beside it";
+}
+
 TEST_F(Move, OfALinkMovesTheLink) {
     makeFile("a", "text");
     fs::create_symlink("a", "link");
