@@ -11,7 +11,7 @@ using Korvex::windowsText;
 
 namespace {
 
-/// How much of a text goes where; the three shapes that a result that does not fit can have.
+/// How much of a text there is room for, and what is left of one that does not fit.
 struct Room {
     DWORD size;
     bool list; ///< The longer truncation, chosen by null names

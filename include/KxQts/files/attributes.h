@@ -7,7 +7,7 @@
 
 #include <QString>
 
-/// See \ref GetFileAttributesA: `FILE_ATTRIBUTE_NORMAL` or `INVALID_FILE_ATTRIBUTES`.
+/// See \ref GetFileAttributesA. \return `FILE_ATTRIBUTE_NORMAL` or `INVALID_FILE_ATTRIBUTES`.
 KXQTS_EXPORT unsigned int getFileAttributes(const QString& path);
 
 /// Not supported; use \ref getFileAttributesData.

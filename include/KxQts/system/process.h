@@ -42,11 +42,12 @@ public:
     int invoke(const QString& command);
 
     /// Emits QProcess's signal and notes that the program runs. The process's own start does the
-    /// same.
+    /// same. The signal to connect to is `QProcess::started`.
     void started();
 
     /// Emits QProcess's signal, notes that the process has ended and gives up one reference. The
     /// process's own end does the same; of the two only the first one gives a reference up.
+    /// The signal to connect to is `QProcess::finished`.
     void finished(int exitCode, QProcess::ExitStatus exitStatus);
 
     /// Waits for the end of a process.
