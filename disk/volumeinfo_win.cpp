@@ -3,9 +3,9 @@
 #include <KxQts/disk/volumeinfo.h>
 #include <KxQts/winapi/volumes.h>
 
-#include "files/path.h"
+#include "support/wintext.h"
 
-using Korvex::pathFrom;
+using Korvex::windowsText;
 
 namespace {
 
@@ -27,35 +27,35 @@ DWORD message(DWORD flags, LPCVOID source, DWORD messageId, DWORD languageId, va
 BOOL GetVolumeInformationA(LPCSTR lpRootPathName, LPSTR, DWORD, LPDWORD lpVolumeSerialNumber,
                            LPDWORD lpMaximumComponentLength, LPDWORD lpFileSystemFlags, LPSTR,
                            DWORD) {
-    return volumeInformation(pathFrom(lpRootPathName), lpVolumeSerialNumber,
+    return volumeInformation(windowsText(lpRootPathName), lpVolumeSerialNumber,
                              lpMaximumComponentLength, lpFileSystemFlags);
 }
 
 BOOL GetVolumeInformationW(LPCWSTR lpRootPathName, LPWSTR, DWORD, LPDWORD lpVolumeSerialNumber,
                            LPDWORD lpMaximumComponentLength, LPDWORD lpFileSystemFlags, LPWSTR,
                            DWORD) {
-    return volumeInformation(pathFrom(lpRootPathName), lpVolumeSerialNumber,
+    return volumeInformation(windowsText(lpRootPathName), lpVolumeSerialNumber,
                              lpMaximumComponentLength, lpFileSystemFlags);
 }
 
 UINT GetDriveTypeA(LPCSTR lpRootPathName) {
-    return getDriveType(pathFrom(lpRootPathName));
+    return getDriveType(windowsText(lpRootPathName));
 }
 
 UINT GetDriveTypeW(LPCWSTR lpRootPathName) {
-    return getDriveType(pathFrom(lpRootPathName));
+    return getDriveType(windowsText(lpRootPathName));
 }
 
 BOOL GetDiskFreeSpaceA(LPCSTR lpRootPathName, LPDWORD lpSectorsPerCluster, LPDWORD lpBytesPerSector,
                        LPDWORD lpNumberOfFreeClusters, LPDWORD lpTotalNumberOfClusters) {
-    return getDiskFreeSpace(pathFrom(lpRootPathName), lpSectorsPerCluster, lpBytesPerSector,
+    return getDiskFreeSpace(windowsText(lpRootPathName), lpSectorsPerCluster, lpBytesPerSector,
                             lpNumberOfFreeClusters, lpTotalNumberOfClusters);
 }
 
 BOOL GetDiskFreeSpaceW(LPCWSTR lpRootPathName, LPDWORD lpSectorsPerCluster,
                        LPDWORD lpBytesPerSector, LPDWORD lpNumberOfFreeClusters,
                        LPDWORD lpTotalNumberOfClusters) {
-    return getDiskFreeSpace(pathFrom(lpRootPathName), lpSectorsPerCluster, lpBytesPerSector,
+    return getDiskFreeSpace(windowsText(lpRootPathName), lpSectorsPerCluster, lpBytesPerSector,
                             lpNumberOfFreeClusters, lpTotalNumberOfClusters);
 }
 

@@ -1,9 +1,9 @@
-#include <KxQts/corefoundation.h>
+#include <KxQts/corefoundation/string.h>
+#include <KxQts/corefoundation/url.h>
 #include <KxQts/files/knowndirectories.h>
 
 #include "files/applicationdirectory.h"
 #include "files/mainbundle.h"
-#include "platform/corefoundation/object.h"
 
 #include <cstring>
 
@@ -13,10 +13,7 @@ using Korvex::Cf::Owned;
 namespace Korvex {
 
 bool readApplicationPath(ApplicationPath& path) {
-    const std::string bundle = mainBundle();
-    const Owned<CFURLRef> url(CFURLCreateFromFileSystemRepresentation(
-        kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bundle.data()),
-        static_cast<CFIndex>(bundle.size()), true));
+    const Owned<CFURLRef> url = mainBundle();
     const Owned<CFStringRef> text(url ? CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle)
                                       : nullptr);
     return text && CFStringGetCString(text.get(), path.data(), static_cast<CFIndex>(path.size()),

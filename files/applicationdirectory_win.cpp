@@ -14,13 +14,15 @@ namespace {
 template <class Copy>
 DWORD give(bool hasBuffer, DWORD size, Copy copy) {
     Korvex::ApplicationPath path{};
-    if (!hasBuffer || !Korvex::readApplicationDirectory(path))
+    if (!Korvex::readApplicationDirectory(path))
         return 0;
     const auto length = static_cast<DWORD>(std::strlen(path.data()));
     if (length >= size) {
         errno = Korvex::Error::MoreData;
         return 0;
     }
+    if (!hasBuffer)
+        return 0;
     copy(path.data(), length);
     errno = Korvex::Error::None;
     return length;

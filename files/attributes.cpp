@@ -97,7 +97,10 @@ bool setFileAttributes(const QString& path, unsigned int attributes) {
         return false;
     }
     const bool exists = QFileInfo::exists(path);
-    errno = Error::NotFound; // and so it stays: callers find it after a success too
-    return exists &&
-           QFile::setPermissions(path, writable ? writablePermissions : readOnlyPermissions);
+    errno = Error::NotFound;
+    if (!exists ||
+        !QFile::setPermissions(path, writable ? writablePermissions : readOnlyPermissions))
+        return false;
+    errno = Error::NotFound; // callers find it after a success too
+    return true;
 }

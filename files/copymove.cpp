@@ -4,7 +4,6 @@
 
 #include <KxQts/errors.h>
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -24,11 +23,6 @@ bool isFolder(const QFileInfo& path) {
     return path.isDir() && !path.isSymLink();
 }
 
-/// A path without links on the way to its last component.
-QString entryPath(const QFileInfo& path) {
-    return QDir(path.path()).canonicalPath() + QLatin1Char('/') + path.fileName();
-}
-
 enum class Relation {
     Different,
     Links, ///< Two names of one file
@@ -43,11 +37,21 @@ Relation relationOf(const QFileInfo& one, const QFileInfo& other) {
         first.st_dev != second.st_dev || first.st_ino != second.st_ino)
         return Relation::Different;
     const bool oneName = first.st_nlink == 1 || S_ISDIR(first.st_mode);
-    return oneName || entryPath(one) == entryPath(other) ? Relation::Same : Relation::Links;
+    return oneName || Korvex::entryPath(one.filePath()) == Korvex::entryPath(other.filePath())
+               ? Relation::Same
+               : Relation::Links;
 }
 
-/// Whether the source would be gone if the target's entry were removed.
+/// Whether the source would be gone if the target's entry were removed: that is the source, or one
+/// of the links by which it is found.
 bool copiesOntoItself(const QFileInfo& source, const QFileInfo& target) {
+    constexpr int mostLinks = 40; // as many as the system follows
+    QFileInfo link = source;
+    for (int i = 0; i < mostLinks && link.isSymLink(); ++i) {
+        if (relationOf(link, target) == Relation::Same)
+            return true;
+        link = QFileInfo(link.symLinkTarget());
+    }
     return relationOf(QFileInfo(source.canonicalFilePath()), target) == Relation::Same;
 }
 
@@ -96,7 +100,7 @@ bool moveOnto(const QFileInfo& source, const QFileInfo& target) {
 }
 
 bool move(const QFileInfo& source, const QFileInfo& target) {
-    if (source.fileName().isEmpty() || target.fileName().isEmpty())
+    if (source.fileName().isEmpty())
         return false;
     switch (relationOf(source, target)) {
     case Relation::Same:
@@ -141,6 +145,8 @@ bool deleteFile(const QString& path) {
         errno = Error::NotFound;
         return false;
     }
-    errno = 0;
-    return QFile::remove(path);
+    const bool removed = QFile::remove(path);
+    if (removed)
+        errno = Error::None;
+    return removed;
 }

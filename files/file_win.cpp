@@ -6,7 +6,7 @@
 #include <KxQts/winapi/files.h>
 
 #include "files/filehandle.h"
-#include "files/path.h"
+#include "support/wintext.h"
 
 #include <cerrno>
 
@@ -46,7 +46,7 @@ DWORD highWord(long long value) {
 HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                    LPSECURITY_ATTRIBUTES lpSecurityAttributes, DWORD dwCreationDisposition,
                    DWORD dwFlagsAndAttributes, HANDLE hTemplateFile) {
-    return createFile(Korvex::pathFrom(lpFileName), dwDesiredAccess, dwShareMode,
+    return createFile(Korvex::windowsText(lpFileName), dwDesiredAccess, dwShareMode,
                       lpSecurityAttributes, dwCreationDisposition, dwFlagsAndAttributes,
                       hTemplateFile);
 }
@@ -54,7 +54,7 @@ HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
 HANDLE CreateFileW(LPCWSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                    LPSECURITY_ATTRIBUTES lpSecurityAttributes, DWORD dwCreationDisposition,
                    DWORD dwFlagsAndAttributes, HANDLE hTemplateFile) {
-    return createFile(Korvex::pathFrom(lpFileName), dwDesiredAccess, dwShareMode,
+    return createFile(Korvex::windowsText(lpFileName), dwDesiredAccess, dwShareMode,
                       lpSecurityAttributes, dwCreationDisposition, dwFlagsAndAttributes,
                       hTemplateFile);
 }

@@ -5,78 +5,80 @@
 #include <KxQts/files/directories.h>
 #include <KxQts/winapi/filesystem.h>
 
-#include "files/path.h"
+#include "support/wintext.h"
 
-using Korvex::pathFrom;
+using Korvex::windowsText;
 
 DWORD GetFileAttributesA(LPCSTR lpFileName) {
-    return getFileAttributes(pathFrom(lpFileName));
+    return getFileAttributes(windowsText(lpFileName));
 }
 
 DWORD GetFileAttributesW(LPCWSTR lpFileName) {
-    return getFileAttributes(pathFrom(lpFileName));
+    return getFileAttributes(windowsText(lpFileName));
 }
 
 BOOL SetFileAttributesA(LPCSTR lpFileName, DWORD dwFileAttributes) {
-    return setFileAttributes(pathFrom(lpFileName), dwFileAttributes);
+    return setFileAttributes(windowsText(lpFileName), dwFileAttributes);
 }
 
 BOOL SetFileAttributesW(LPCWSTR lpFileName, DWORD dwFileAttributes) {
-    return setFileAttributes(pathFrom(lpFileName), dwFileAttributes);
+    return setFileAttributes(windowsText(lpFileName), dwFileAttributes);
 }
 
 BOOL GetFileAttributesExA(LPCSTR lpFileName, GET_FILEEX_INFO_LEVELS, LPVOID lpFileInformation) {
-    return getFileAttributesData(pathFrom(lpFileName), lpFileInformation);
+    return getFileAttributesData(windowsText(lpFileName), lpFileInformation);
 }
 
 BOOL GetFileAttributesExW(LPCWSTR lpFileName, GET_FILEEX_INFO_LEVELS, LPVOID lpFileInformation) {
-    return getFileAttributesData(pathFrom(lpFileName), lpFileInformation);
+    return getFileAttributesData(windowsText(lpFileName), lpFileInformation);
 }
 
 BOOL CopyFileA(LPCSTR lpExistingFileName, LPCSTR lpNewFileName, BOOL bFailIfExists) {
-    return copyFile(pathFrom(lpExistingFileName), pathFrom(lpNewFileName), bFailIfExists != FALSE);
+    return copyFile(windowsText(lpExistingFileName), windowsText(lpNewFileName),
+                    bFailIfExists != FALSE);
 }
 
 BOOL CopyFileW(LPCWSTR lpExistingFileName, LPCWSTR lpNewFileName, BOOL bFailIfExists) {
-    return copyFile(pathFrom(lpExistingFileName), pathFrom(lpNewFileName), bFailIfExists != FALSE);
+    return copyFile(windowsText(lpExistingFileName), windowsText(lpNewFileName),
+                    bFailIfExists != FALSE);
 }
 
 BOOL MoveFileA(LPCSTR lpExistingFileName, LPCSTR lpNewFileName) {
-    return moveFile(pathFrom(lpExistingFileName), pathFrom(lpNewFileName));
+    return moveFile(windowsText(lpExistingFileName), windowsText(lpNewFileName));
 }
 
 BOOL MoveFileW(LPCWSTR lpExistingFileName, LPCWSTR lpNewFileName) {
-    return moveFile(pathFrom(lpExistingFileName), pathFrom(lpNewFileName));
+    return moveFile(windowsText(lpExistingFileName), windowsText(lpNewFileName));
 }
 
 BOOL DeleteFileA(LPCSTR lpFileName) {
-    return deleteFile(pathFrom(lpFileName));
+    return deleteFile(windowsText(lpFileName));
 }
 
 BOOL DeleteFileW(LPCWSTR lpFileName) {
-    return deleteFile(pathFrom(lpFileName));
+    return deleteFile(windowsText(lpFileName));
 }
 
 BOOL CreateDirectoryA(LPCSTR lpPathName, LPSECURITY_ATTRIBUTES lpSecurityAttributes) {
-    return createDirectory(pathFrom(lpPathName), lpSecurityAttributes);
+    return createDirectory(windowsText(lpPathName), lpSecurityAttributes);
 }
 
 BOOL CreateDirectoryW(LPCWSTR lpPathName, LPSECURITY_ATTRIBUTES lpSecurityAttributes) {
-    return createDirectory(pathFrom(lpPathName), lpSecurityAttributes);
+    return createDirectory(windowsText(lpPathName), lpSecurityAttributes);
 }
 
 BOOL RemoveDirectoryA(LPCSTR lpPathName) {
-    return removeDirectory(pathFrom(lpPathName));
+    return removeDirectory(windowsText(lpPathName));
 }
 
 BOOL RemoveDirectoryW(LPCWSTR lpPathName) {
-    return removeDirectory(pathFrom(lpPathName));
+    return removeDirectory(windowsText(lpPathName));
 }
 
 int _wremove(const wchar_t* path) {
-    return deleteFile(pathFrom(path)) ? 0 : 1;
+    return deleteFile(windowsText(path)) ? 0 : 1;
 }
 
 int _wrename(const wchar_t* oldPath, const wchar_t* newPath) {
-    return moveFile(pathFrom(oldPath), pathFrom(newPath)) ? 0 : 1;
+    return moveFile(windowsText(oldPath), windowsText(newPath)) ? 0 : 1;
 }

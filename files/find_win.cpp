@@ -4,34 +4,34 @@
 #include <KxQts/files/find.h>
 #include <KxQts/winapi/find.h>
 
-#include "files/path.h"
 #include "files/search.h"
+#include "support/wintext.h"
 
 #include <QFile>
 
 #include <cerrno>
+#include <limits>
 
 namespace Error = Korvex::Error;
 
 namespace {
 
-/// Steps on whether or not there is anything, but never further than just behind the end.
+/// Steps on whether or not there is anything; every call counts.
 /// \return Whether something of the next name exists in the current folder.
 bool stepToNext(Korvex::Search& search) {
-    if (search.index >= search.names.size())
-        return false;
-    ++search.index;
+    if (search.index < std::numeric_limits<int>::max())
+        ++search.index;
     return search.index < search.names.size() && QFile::exists(search.names.at(search.index));
 }
 
 } // namespace
 
 HANDLE FindFirstFileA(LPCSTR lpFileName, LPWIN32_FIND_DATA lpFindFileData) {
-    return findFirstFile(Korvex::pathFrom(lpFileName), lpFindFileData);
+    return findFirstFile(Korvex::windowsText(lpFileName), lpFindFileData);
 }
 
 HANDLE FindFirstFileW(LPCWSTR lpFileName, LPWIN32_FIND_DATA lpFindFileData) {
-    return findFirstFile(Korvex::pathFrom(lpFileName), lpFindFileData);
+    return findFirstFile(Korvex::windowsText(lpFileName), lpFindFileData);
 }
 
 BOOL FindNextFile(HANDLE hFindFile, LPWIN32_FIND_DATA) {

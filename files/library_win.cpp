@@ -2,11 +2,14 @@
 #include <KxQts/files/library.h>
 #include <KxQts/winapi/modules.h>
 
+#include "support/wintext.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <string>
 
 namespace Error = Korvex::Error;
+using Korvex::windowsText;
 using Korvex::WLibrary;
 
 namespace {
@@ -40,11 +43,11 @@ DWORD moduleFileName(HMODULE module, Character* buffer, DWORD size) {
 } // namespace
 
 HMODULE GetModuleHandleA(LPCSTR name) {
-    return WLibrary::getLibrary(QString::fromLatin1(name), false);
+    return WLibrary::getLibrary(windowsText(name), false);
 }
 
 HMODULE GetModuleHandleW(LPCWSTR name) {
-    return WLibrary::getLibrary(name ? QString::fromWCharArray(name) : QString(), false);
+    return WLibrary::getLibrary(windowsText(name), false);
 }
 
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {

@@ -4,14 +4,14 @@
 #include <KxQts/files/paths.h>
 #include <KxQts/winapi/paths.h>
 
-#include "files/path.h"
+#include "support/wintext.h"
 
 DWORD GetShortPathNameA(LPCSTR longPath, LPSTR, DWORD size) {
     QString unchanged;
-    return getShortPathname(Korvex::pathFrom(longPath), unchanged, size);
+    return getShortPathname(Korvex::windowsText(longPath), unchanged, size);
 }
 
 DWORD GetShortPathNameW(LPCWSTR longPath, LPWSTR, DWORD size) {
     QString unchanged;
-    return getShortPathname(Korvex::pathFrom(longPath), unchanged, size);
+    return getShortPathname(Korvex::windowsText(longPath), unchanged, size);
 }

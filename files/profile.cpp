@@ -50,17 +50,13 @@ QString namesIn(const QString& appId, void* key) {
     return names;
 }
 
-unsigned openProfile(const QString& appId, const QString& path, Key& key) {
-    // The root of the store is no profile.
-    return path.isEmpty()
-               ? ERROR_BADKEY
-               : regOpenKeyEx(appId, HKEY_LOCAL_MACHINE, path, 0, KEY_QUERY_VALUE, &key.handle);
-}
-
 unsigned read(const QString& appId, const QString& section, const QString& name, QString& result,
               const QString& fileName) {
     Key key;
-    if (const unsigned error = openProfile(appId, sectionPath(fileName, section), key))
+    if (const unsigned error =
+            regOpenKeyEx(appId, HKEY_LOCAL_MACHINE, sectionPath(fileName, section), 0,
+                         KEY_QUERY_VALUE, &key.handle);
+        error != ERROR_SUCCESS)
         return error;
     if (section.isEmpty() || name.isEmpty()) {
         result = namesIn(appId, key.handle);
@@ -86,8 +82,6 @@ unsigned change(const QString& appId, const QString& section, const QString& nam
 unsigned write(const QString& appId, const QString& section, const QString& name,
                const QString& value, const QString& fileName) {
     const QString path = sectionPath(fileName, name.isEmpty() ? QString() : section);
-    if (path.isEmpty())
-        return ERROR_BADKEY;
     Key key;
     unsigned disposition = 0;
     const unsigned error =

@@ -1,14 +1,17 @@
 #include <KxQts/files/profile.h>
+#include <KxQts/support/text.h>
 #include <KxQts/winapi/profiles.h>
 
-#include <QByteArray>
+#include "support/wintext.h"
 
 #include <algorithm>
 #include <string>
 
+using Korvex::windowsText;
+
 namespace {
 
-/// How much of a text goes where; the three shapes that a result that does not fit can have.
+/// How much of a text there is room for, and what is left of one that does not fit.
 struct Room {
     DWORD size;
     bool list; ///< The longer truncation, chosen by null names
@@ -31,13 +34,14 @@ void endList(Character* buffer, DWORD size) {
         buffer[size] = 0;
 }
 
-DWORD store(const QByteArray& text, char* buffer, const Room& room) {
+DWORD store(const QString& text, char* buffer, const Room& room) {
+    const WCString narrow(text); // which is wiped: programs keep passwords in profiles, too
     const auto length = static_cast<DWORD>(text.size());
     if (room.fits(length)) {
-        qstrcpy(buffer, text.constData());
+        qstrcpy(buffer, narrow);
         return length;
     }
-    qstrncpy(buffer, text.constData(), room.truncated());
+    qstrncpy(buffer, narrow, room.truncated());
     if (room.list)
         endList(buffer, room.size);
     else if (room.size > 0)
@@ -45,17 +49,14 @@ DWORD store(const QByteArray& text, char* buffer, const Room& room) {
     return room.truncated();
 }
 
-DWORD store(const std::wstring& text, wchar_t* buffer, const Room& room) {
-    const auto length = static_cast<DWORD>(text.size());
+DWORD store(const QString& text, wchar_t* buffer, const Room& room) {
+    const std::wstring wide = text.toStdWString();
+    const auto length = static_cast<DWORD>(wide.size());
     const DWORD stored = room.fits(length) ? length : room.truncated();
-    std::copy_n(text.begin(), stored, buffer); // never a terminator: callers go by the count
+    std::copy_n(wide.begin(), stored, buffer); // never a terminator: callers go by the count
     if (!room.fits(length) && room.list)
         endList(buffer, room.size);
     return stored;
-}
-
-QString fromWide(LPCWSTR text) {
-    return text ? QString::fromWCharArray(text) : QString();
 }
 
 } // namespace
@@ -63,37 +64,35 @@ QString fromWide(LPCWSTR text) {
 DWORD GetPrivateProfileStringA(LPCSTR lpAppName, LPCSTR lpKeyName, LPCSTR lpDefault,
                                LPSTR lpReturnedString, DWORD nSize, LPCSTR lpFileName) {
     QString result;
-    getPrivateProfileString(QString(), QString::fromLatin1(lpAppName),
-                            QString::fromLatin1(lpKeyName), QString::fromLatin1(lpDefault), result,
-                            QString::fromLatin1(lpFileName));
+    getPrivateProfileString(QString(), windowsText(lpAppName), windowsText(lpKeyName),
+                            windowsText(lpDefault), result, windowsText(lpFileName));
     if (result.isEmpty() || !lpReturnedString)
         return 0;
-    return store(result.toLatin1(), lpReturnedString, {nSize, !lpAppName || !lpKeyName});
+    return store(result, lpReturnedString, {nSize, !lpAppName || !lpKeyName});
 }
 
 DWORD GetPrivateProfileStringW(LPCWSTR lpAppName, LPCWSTR lpKeyName, LPCWSTR lpDefault,
                                LPWSTR lpReturnedString, DWORD nSize, LPCWSTR lpFileName) {
     QString result;
-    getPrivateProfileString(QString(), fromWide(lpAppName), fromWide(lpKeyName),
-                            fromWide(lpDefault), result, fromWide(lpFileName));
+    getPrivateProfileString(QString(), windowsText(lpAppName), windowsText(lpKeyName),
+                            windowsText(lpDefault), result, windowsText(lpFileName));
     if (result.isEmpty() || !lpReturnedString)
         return 0;
-    return store(result.toStdWString(), lpReturnedString, {nSize, !lpAppName || !lpKeyName});
+    return store(result, lpReturnedString, {nSize, !lpAppName || !lpKeyName});
 }
 
 BOOL WritePrivateProfileStringA(LPCSTR lpAppName, LPCSTR lpKeyName, LPCSTR lpString,
                                 LPCSTR lpFileName) {
-    return writePrivateProfileString(QString(), QString::fromLatin1(lpAppName),
-                                     QString::fromLatin1(lpKeyName), QString::fromLatin1(lpString),
-                                     QString::fromLatin1(lpFileName))
+    return writePrivateProfileString(QString(), windowsText(lpAppName), windowsText(lpKeyName),
+                                     windowsText(lpString), windowsText(lpFileName))
                ? TRUE
                : FALSE;
 }
 
 BOOL WritePrivateProfileStringW(LPCWSTR lpAppName, LPCWSTR lpKeyName, LPCWSTR lpString,
                                 LPCWSTR lpFileName) {
-    return writePrivateProfileString(QString(), fromWide(lpAppName), fromWide(lpKeyName),
-                                     fromWide(lpString), fromWide(lpFileName))
+    return writePrivateProfileString(QString(), windowsText(lpAppName), windowsText(lpKeyName),
+                                     windowsText(lpString), windowsText(lpFileName))
                ? TRUE
                : FALSE;
 }

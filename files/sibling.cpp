@@ -1,5 +1,6 @@
 #include "files/sibling.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QUuid>
@@ -11,12 +12,22 @@ namespace Korvex {
 
 namespace {
 
+QString folderOf(const QFileInfo& path) {
+    const QString folder = QDir(path.path()).canonicalPath();
+    return folder.isEmpty() ? path.path() : folder;
+}
+
 QString siblingOf(const QString& file) {
-    return QFileInfo(file).path() + QLatin1String("/.kxqts-") +
+    return folderOf(QFileInfo(file)) + QLatin1String("/.kxqts-") +
            QUuid::createUuid().toString(QUuid::Id128);
 }
 
 } // namespace
+
+QString entryPath(const QString& path) {
+    const QFileInfo entry(path);
+    return folderOf(entry) + QLatin1Char('/') + entry.fileName();
+}
 
 bool renameOver(const QString& from, const QString& to) {
     return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
@@ -32,7 +43,7 @@ TemporarySibling::~TemporarySibling() {
 }
 
 SetAside::SetAside(const QString& file)
-    : place(QFile::encodeName(file)),
+    : place(QFile::encodeName(entryPath(file))),
       refuge(QFile::encodeName(siblingOf(file))),
       aside(std::rename(place.constData(), refuge.constData()) == 0) {}
 

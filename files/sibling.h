@@ -6,6 +6,10 @@
 /// What replacing a file safely needs: a name beside it that nobody else uses.
 namespace Korvex {
 
+/// The absolute path of an entry of a folder, without links on the way to it, so that it stays good
+/// whatever becomes of those. As it is given where there is no such folder.
+[[nodiscard]] QString entryPath(const QString& path);
+
 /// Renames a file, replacing what has the new name in the same step.
 /// \return False with `errno` as left by the system.
 [[nodiscard]] bool renameOver(const QString& from, const QString& to);

@@ -4,6 +4,9 @@
 #include <KxQts/handles/mutex.h>
 #include <KxQts/winapi/mutexes.h>
 
+#include "support/wintext.h"
+
+using Korvex::windowsText;
 using Korvex::WMutex;
 
 HANDLE createMutex(bool initialOwner, const QString& name) {
@@ -14,12 +17,11 @@ HANDLE createMutex(bool initialOwner, const QString& name) {
 }
 
 HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES, BOOL bInitialOwner, LPCSTR lpName) {
-    return createMutex(bInitialOwner != FALSE, QString::fromLatin1(lpName));
+    return createMutex(bInitialOwner != FALSE, windowsText(lpName));
 }
 
 HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES, BOOL bInitialOwner, LPCWSTR lpName) {
-    return createMutex(bInitialOwner != FALSE,
-                       lpName ? QString::fromWCharArray(lpName) : QString());
+    return createMutex(bInitialOwner != FALSE, windowsText(lpName));
 }
 
 BOOL ReleaseMutex(HANDLE h) {

@@ -4,7 +4,7 @@
 #include <KxQts/system/systeminfo.h>
 #include <KxQts/winapi/errors.h>
 
-#include "system/wintext.h"
+#include "support/wintext.h"
 
 #include <cerrno>
 #include <cstring>

@@ -4,7 +4,7 @@
 #include <KxQts/system/eventlog.h>
 #include <KxQts/winapi/eventlog.h>
 
-#include "system/wintext.h"
+#include "support/wintext.h"
 
 using Korvex::windowsText;
 

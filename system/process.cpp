@@ -8,6 +8,8 @@
 
 #include <KxQts/errors.h>
 
+#include <QMetaObject>
+
 #include <cerrno>
 #include <memory>
 
@@ -51,6 +53,16 @@ int WProcess::invoke(const QString& command) {
         return Error::CannotStart;
     startCommand(command, QIODevice::ReadWrite);
     return Error::None;
+}
+
+// Both notes are taken by what the constructor connects to the signals.
+void WProcess::started() {
+    // A signal that only QProcess itself may emit by its name.
+    QMetaObject::invokeMethod(this, "started", Qt::DirectConnection);
+}
+
+void WProcess::finished(int exitCode, QProcess::ExitStatus exitStatus) {
+    emit QProcess::finished(exitCode, exitStatus);
 }
 
 bool WProcess::wait(WProcess* process, unsigned int ms) {

@@ -5,7 +5,7 @@
 #include <KxQts/system/process.h>
 
 #include "handles/classes.h"
-#include "system/wintext.h"
+#include "support/wintext.h"
 
 #include <cerrno>
 #include <string>

@@ -59,6 +59,8 @@ void ProcessCare::noteStart(WProcess& process) {
 
 void ProcessCare::noteEnd(WProcess& process) {
     const LockGuard guard(WProcess::sCritSect);
+    if (process.hasFinished)
+        return; // told by its client before it was over
     process.hasFinished = true;
     if (--process.refCount < 1)
         WProcess::sObjectList.remove(&process);

@@ -1,10 +1,10 @@
 #include <KxQts/registry/prefs.h>
 #include <KxQts/system/systeminfo.h>
 
+#include "files/mainbundle.h"
 #include "platform/groups.h"
 #include "platform/systemfacts.h"
 #include "system/answers.h"
-#include "system/mainbundle.h"
 
 #include <QHostInfo>
 

@@ -2,8 +2,7 @@
 
 #include <KxQts/files/knowndirectories.h>
 
-#include "platform/imagelist.h"
-#include "platform/replaceable.h"
+#include "fakes/imagelist.h"
 
 #include <gtest/gtest.h>
 
@@ -17,19 +16,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A process with the images that a test says. It is in force while it lives.
-class FakeImages final : public Korvex::ImageList {
-public:
-    explicit FakeImages(std::vector<Korvex::LoadedImage> images) : list(std::move(images)) {}
-    explicit FakeImages(const std::string& program) : list{{program, nullptr}} {}
+/// A process whose program has a path.
+struct Program {
+    explicit Program(const std::string& path) { images.list = {{path, nullptr}}; }
 
-    std::vector<Korvex::LoadedImage> images() override { return list; }
-    const void* ownHeader() override { return this; }
-
-    std::vector<Korvex::LoadedImage> list;
-
-private:
-    Korvex::Replacement<Korvex::ImageList> inForce{*this};
+    KxTest::FakeImageList images;
 };
 
 std::string directory() {
@@ -48,21 +39,21 @@ const std::string longest = "/top/" + std::string(254, 'x'); // of a bundle
 
 TEST(ApplicationDirectory, IsThatAroundTheBundle) {
     {
-        const FakeImages images("/Applications/Some.app/Contents/MacOS/Some");
+        const Program program("/Applications/Some.app/Contents/MacOS/Some");
         EXPECT_EQ(directory(), "/Applications");
         EXPECT_EQ(fullPath(), "/Applications/Some.app");
     }
     {
-        const FakeImages images("/usr/local/bin/some");
+        const Program program("/usr/local/bin/some");
         EXPECT_EQ(directory(), "/usr/local");
         EXPECT_EQ(fullPath(), "/usr/local/bin") << "the folder stands for a bundle";
     }
     {
-        const FakeImages images("/Some.bundle/Contents/MacOS/Some");
+        const Program program("/Some.bundle/Contents/MacOS/Some");
         EXPECT_EQ(fullPath(), "/Some.bundle/Contents/MacOS") << "no application";
     }
     {
-        const FakeImages images("/some");
+        const Program program("/some");
         EXPECT_EQ(directory(), "");
         EXPECT_EQ(fullPath(), "/");
     }
@@ -70,30 +61,29 @@ TEST(ApplicationDirectory, IsThatAroundTheBundle) {
 
 TEST(ApplicationDirectory, IsNotToldWhenTheBundleIsNotKnownOrHasALongPath) {
     {
-        const FakeImages images(longest + "/some");
+        const Program program(longest + "/some");
         EXPECT_EQ(fullPath(), longest);
         EXPECT_EQ(directory(), "/top");
     }
-    for (const std::string& program :
-         {longest + "x/some", std::string(), std::string("/磁/some")}) {
-        const FakeImages images(program);
-        QString path = "kept";
+    for (const std::string& path : {longest + "x/some", std::string(), std::string("/磁/some")}) {
+        const Program program(path);
+        QString kept = "kept";
         std::array<char, 8> buffer{"kept"};
         unsigned long length = 7;
         errno = 99;
-        EXPECT_FALSE(getApplicationDirectory(path));
-        EXPECT_FALSE(getApplicationFullPath(path));
+        EXPECT_FALSE(getApplicationDirectory(kept));
+        EXPECT_FALSE(getApplicationFullPath(kept));
         EXPECT_FALSE(getApplicationDirectory(buffer.data(), &length));
         EXPECT_EQ(GetApplicationDirectoryA(buffer.data(), 8), 0u);
         EXPECT_EQ(errno, 99);
-        EXPECT_EQ(path, "kept");
+        EXPECT_EQ(kept, "kept");
         EXPECT_STREQ(buffer.data(), "kept");
         EXPECT_EQ(length, 7u);
     }
 }
 
 TEST(ApplicationDirectory, IsInMacRoman) {
-    const FakeImages images("/\xC3\xA4/x/some"); // ä, which is 0x8A there
+    const Program program("/\xC3\xA4/x/some"); // ä, which is 0x8A there
     EXPECT_EQ(directory(), QString::fromLatin1("/\x8A").toStdString());
     std::array<char, 260> buffer{};
     unsigned long length = 0;
@@ -103,7 +93,7 @@ TEST(ApplicationDirectory, IsInMacRoman) {
 }
 
 TEST(ApplicationDirectory, IsGivenWhenItFits) {
-    const FakeImages images("/usr/bin/some");
+    const Program program("/usr/bin/some");
     std::array<char, 8> text{};
     std::array<wchar_t, 8> wide{};
     for (const DWORD size : {0U, 1U, 4U}) {
@@ -139,8 +129,18 @@ TEST(ApplicationDirectory, IsGivenWhenItFits) {
     EXPECT_EQ(errno, 99);
 }
 
+TEST(ApplicationDirectory, ThatDoesNotFitIsTheErrorEvenWithoutABuffer) {
+    const Program program("/usr/bin/some");
+    errno = 99;
+    EXPECT_EQ(GetApplicationDirectoryA(nullptr, 0), 0u);
+    EXPECT_EQ(errno, 234);
+    errno = 99;
+    EXPECT_EQ(GetApplicationDirectoryW(nullptr, 4), 0u);
+    EXPECT_EQ(errno, 234);
+}
+
 TEST(ApplicationDirectory, EndsInItsWideFormWhereTheLocaleCannotReadIt) {
-    const FakeImages images("/u\xC3\xA4u/x/some");
+    const Program program("/u\xC3\xA4u/x/some");
     std::array<wchar_t, 16> wide{};
     wide.fill(L'#');
     ASSERT_STREQ(std::setlocale(LC_CTYPE, nullptr), "C");
@@ -156,18 +156,18 @@ TEST(ApplicationDirectory, OfThisProgramIsReal) {
 }
 
 TEST(ModulePath, IsThatOfTheImageThatTheLibraryIs) {
-    FakeImages images("/bin/program");
+    KxTest::FakeImageList images;
+    images.own = "own";
+    images.list = {{"/bin/program", images.own}};
     EXPECT_EQ(Korvex::getModulePath(), nullptr) << "one image only";
     images.list.push_back({"/lib/other", "other"});
-    EXPECT_EQ(Korvex::getModulePath(), nullptr);
-    images.list[0].header = &images;
     EXPECT_EQ(Korvex::getModulePath(), nullptr) << "the program itself is not looked at";
-    images.list.push_back({"/lib/library", &images});
+    images.list.push_back({"/lib/library", images.own});
     const char* const path = Korvex::getModulePath();
     EXPECT_STREQ(path, "/lib/library");
     images.list.clear();
     EXPECT_STREQ(path, "/lib/library") << "it stays";
-    images.list = {{"/bin/program", nullptr}, {"/lib/library", &images}};
+    images.list = {{"/bin/program", nullptr}, {"/lib/library", images.own}};
     EXPECT_EQ(Korvex::getModulePath(), path) << "and is the same one";
 }
 

@@ -117,6 +117,22 @@ TEST_F(Copy, OfALinkOntoWhatItLeadsToFailsAndLeavesTheFile) {
     EXPECT_EQ(contentsOf("a"), "kept");
 }
 
+TEST_F(Copy, OfALinkOntoItselfOrALinkOnItsWayFailsAndLeavesAll) {
+    makeFile("a", "kept");
+    fs::create_symlink("a", "link");
+    fs::create_symlink("link", "outer");
+    for (const char* source : {"link", "outer"}) {
+        errno = 77;
+        EXPECT_FALSE(CopyFileA(source, "./link", FALSE)) << source;
+        EXPECT_EQ(errno, 1287) << source;
+        EXPECT_TRUE(fs::is_symlink("link")) << source;
+    }
+    EXPECT_TRUE(CopyFileA("link", "outer", FALSE)) << "the source does not need this one";
+    EXPECT_FALSE(fs::is_symlink("outer"));
+    EXPECT_EQ(contentsOf("outer"), "kept");
+    EXPECT_EQ(entries(), 3);
+}
+
 TEST_F(Copy, OntoALinkReplacesTheLink) {
     makeFile("a", "text");
     fs::create_symlink("a", "link");

@@ -1,3 +1,4 @@
+#include "common/noplaceleft.h"
 #include "files/folder.h"
 #include "files/search.h"
 #include "handles/addresses.h"
@@ -16,6 +17,7 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
+#include <limits>
 #include <thread>
 #include <vector>
 
@@ -206,6 +208,9 @@ TEST_F(Find, BehindTheEndItStaysAtTheEnd) {
     HANDLE search = FindFirstFileA("*.txt", nullptr);
     for (int i = 0; i < 1000; ++i)
         EXPECT_FALSE(FindNextFile(search, nullptr));
+    EXPECT_EQ(Korvex::searchBehind(search)->index, 1000) << "every step counts";
+    Korvex::searchBehind(search)->index = std::numeric_limits<int>::max();
+    EXPECT_FALSE(FindNextFile(search, nullptr)) << "and the count does not wrap";
     EXPECT_TRUE(FindClose(search));
 }
 
@@ -272,6 +277,14 @@ TEST_F(Find, SearchesOfDifferentThreadsDoNotDisturbEachOther) {
         });
     for (std::thread& thread : threads)
         thread.join();
+}
+
+TEST_F(Find, WithoutMemoryTheErrorIs12) {
+    makeFile("a.txt");
+    const KxTest::NoPlaceLeft exhausted;
+    errno = 77;
+    EXPECT_EQ(FindFirstFileA("*.txt", nullptr), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(errno, 12);
 }
 
 TEST_F(Find, ManySearchesMayBeOpen) {

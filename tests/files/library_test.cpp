@@ -2,6 +2,7 @@
 #include <KxQts/winapi/handles.h>
 #include <KxQts/winapi/modules.h>
 
+#include "common/noplaceleft.h"
 #include "modules/emptyfolder.h"
 #include "modules/modulefolder.h"
 #include "platform/lock.h"
@@ -202,6 +203,15 @@ TEST(Library, ThatCannotBeLoadedIsNotRegistered) {
     EXPECT_EQ(loadLibrary(text((folder.path() / "libText.dylib").string())), nullptr);
     EXPECT_EQ(loadLibrary(QString()), nullptr);
     EXPECT_EQ(loadedLibraries(), 0u);
+}
+
+TEST(Library, ThatThereIsNoMemoryForIsNotLoaded) {
+    const ModuleFolder folder;
+    const std::string path = folder.add("libNoMemory.dylib", KXTEST_MODULE);
+    const KxTest::NoPlaceLeft exhausted;
+    EXPECT_EQ(loadLibrary(text(path)), nullptr);
+    EXPECT_EQ(loadedLibraries(), 0u);
+    EXPECT_FALSE(isMapped(path));
 }
 
 TEST(Library, SymbolsAreFoundByTheirCName) {

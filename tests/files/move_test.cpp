@@ -117,6 +117,15 @@ TEST_F(Move, OfAFolderReplacesAFile) {
     EXPECT_EQ(entries(), 1);
 }
 
+TEST_F(Move, OfAFolderReplacesAFileThatIsNamedByWayOfIt) {
+    makeFolder("inner");
+    makeFile("inner/a", "text");
+    makeFile("b");
+    EXPECT_TRUE(MoveFileA("inner", "inner/../b"));
+    EXPECT_EQ(contentsOf("b/a"), "text");
+    EXPECT_EQ(entries(), 1) << "nothing stays beside it";
+}
+
 TEST_F(Move, OfALinkMovesTheLink) {
     makeFile("a", "text");
     fs::create_symlink("a", "link");
@@ -180,9 +189,27 @@ TEST_F(Move, IntoAMissingFolderFails) {
 
 TEST_F(Move, OfAPathThatEndsWithASlashFails) {
     makeFolder("inner");
+    errno = 77;
     EXPECT_FALSE(MoveFileA("inner/", "other"));
-    EXPECT_FALSE(MoveFileA("inner", "other/"));
+    EXPECT_EQ(errno, 2);
     EXPECT_TRUE(isThere("inner"));
+}
+
+TEST_F(Move, ToAPathThatEndsWithASlashIsForFolders) {
+    makeFolder("inner");
+    makeFolder("other");
+    makeFile("inner/a", "kept");
+    makeFile("b", "kept");
+    EXPECT_TRUE(MoveFileA("inner", "new/"));
+    EXPECT_EQ(errno, 2);
+    EXPECT_EQ(contentsOf("new/a"), "kept");
+    EXPECT_TRUE(MoveFileA("new", "new/")) << "nothing to be done";
+    EXPECT_FALSE(MoveFileA("b", "file/"));
+    for (const char* target : {"b/", "other/"})
+        EXPECT_FALSE(MoveFileA("new", target)) << target;
+    EXPECT_EQ(contentsOf("new/a"), "kept");
+    EXPECT_EQ(contentsOf("b"), "kept");
+    EXPECT_EQ(entries(), 3);
 }
 
 TEST_F(Move, OfAFolderIntoItselfFails) {

@@ -134,7 +134,9 @@ TEST_F(SplitPath, LeavesErrnoAlone) {
 }
 
 TEST(SplitPathHere, GivesTheRealMountPoint) {
+    errno = 99;
     const Parts parts(QString::fromStdString(fs::current_path() / "no/such.file"));
+    EXPECT_EQ(errno, 99);
     EXPECT_EQ(parts.ext, "file");
     EXPECT_EQ(parts.fname, "such");
     EXPECT_TRUE(parts.dir.endsWith("/no")) << parts.text();

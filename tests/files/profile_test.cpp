@@ -149,6 +149,28 @@ TEST_F(Profile, AListThatDoesNotFitWritesOnePlaceBehindItsSize) {
         << "the place before the last zeros is left alone";
 }
 
+TEST_F(Profile, EitherNullNameMakesATruncationThatOfAList) {
+    write("Main", "0123456789", "1");
+    write("Second", "Size", "1");
+    const std::string names = bytes("0123456\0#\0\0#", 12);
+    EXPECT_EQ(read("Main", nullptr, "", 10).result, 8U);
+    EXPECT_EQ(start(read("Main", nullptr, "", 10).buffer, 12), names);
+    EXPECT_EQ(read(nullptr, "Size", "", 10).result, 8U);
+    EXPECT_EQ(start(read(nullptr, "Size", "", 10).buffer, 12), bytes("MainSec\0#\0\0#", 12));
+    const std::wstring wide(L"01234567#\0\0#", 12);
+    EXPECT_EQ(readWide(L"Main", nullptr, L"", 10).result, 8U);
+    EXPECT_EQ(readWide(L"Main", nullptr, L"", 10).buffer.substr(0, 12), wide);
+    EXPECT_EQ(readWide(nullptr, L"Size", L"", 10).result, 8U);
+    EXPECT_EQ(readWide(L"", L"", L"", 10).result, 9U) << "empty names are none";
+    EXPECT_EQ(readWide(L"", L"", L"", 10).buffer.substr(0, 11), L"MainSecon##");
+}
+
+TEST_F(Profile, ADefaultForANullNameIsTruncatedAsAList) {
+    EXPECT_EQ(read("Missing", nullptr, "0123456789", 10).result, 8U);
+    EXPECT_EQ(start(read("Missing", nullptr, "0123456789", 10).buffer, 12),
+              bytes("0123456\0#\0\0#", 12));
+}
+
 TEST_F(Profile, AnEmptySectionThatIsNotNullListsAndIsTruncatedAsAValue) {
     write("0123456789", "Size", "1");
     const Read read = this->read("", "", "", 10);
@@ -270,8 +292,14 @@ TEST_F(Profile, AProfileWithoutANameIsNone) {
     errno = 0;
     EXPECT_FALSE(WritePrivateProfileStringA(nullptr, "Size", "1", "/folder/"));
     EXPECT_EQ(errno, 1010);
+    errno = 0;
+    EXPECT_FALSE(WritePrivateProfileStringA("Main", nullptr, nullptr, nullptr));
+    EXPECT_EQ(errno, 1010);
     char buffer[8] = "#";
-    EXPECT_EQ(GetPrivateProfileStringA(nullptr, nullptr, "d", buffer, 8, nullptr), 1U);
+    EXPECT_EQ(GetPrivateProfileStringA("Main", "Size", "d", buffer, 8, nullptr), 1U);
+    buffer[0] = '#';
+    EXPECT_EQ(GetPrivateProfileStringA(nullptr, nullptr, "d", buffer, 8, nullptr), 0U);
+    EXPECT_EQ(buffer[0], '#') << "an empty list";
 }
 
 TEST_F(Profile, ASuccessLeavesErrnoAlone) {

@@ -1,6 +1,6 @@
 // Handles when there is no memory for another one.
 
-#include "common/memory.h"
+#include "common/noplaceleft.h"
 
 #include <KxQts/winapi/handles.h>
 #include <KxQts/winapi/mutexes.h>
@@ -11,31 +11,10 @@
 #include <cerrno>
 #include <semaphore.h>
 #include <thread>
-#include <vector>
+
+using KxTest::NoPlaceLeft;
 
 namespace {
-
-/// While it lives, all places for handles are taken by events, and no more can be had.
-class NoPlaceLeft {
-public:
-    NoPlaceLeft() {
-        HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-        while (event != INVALID_HANDLE_VALUE) {
-            events.push_back(event);
-            event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-        }
-    }
-    ~NoPlaceLeft() {
-        for (HANDLE event : events)
-            EXPECT_TRUE(CloseHandle(event));
-    }
-    NoPlaceLeft(const NoPlaceLeft&) = delete;
-    NoPlaceLeft& operator=(const NoPlaceLeft&) = delete;
-
-private:
-    const KxTest::FailingAllocation failing;
-    std::vector<HANDLE> events;
-};
 
 DWORD neverRun(LPVOID) {
     ADD_FAILURE() << "there is no thread";

@@ -1,5 +1,6 @@
 // Starting programs: what is checked, what they are given, and what a failed start leaves.
 
+#include "common/noplaceleft.h"
 #include "system/children.h"
 
 #include <KxQts/files/file.h>
@@ -58,6 +59,48 @@ TEST(CreateProcess, NeedsBothStructures) {
     EXPECT_FALSE(CreateProcessW(nullptr, wide, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                                 nullptr, &information));
     EXPECT_EQ(errno, 22);
+}
+
+TEST(CreateProcess, WithoutMemoryTheErrorIs12) {
+    const KxTest::NoPlaceLeft exhausted;
+    errno = 0;
+    EXPECT_FALSE(start("true").started);
+    EXPECT_EQ(errno, 12);
+}
+
+TEST(CreateProcess, AStartThatFailsClearsWhatIsKnownOfTheProcess) {
+    char command[] = "/no/such/program";
+    STARTUPINFOA startupInfo{};
+    int some = 0;
+    PROCESS_INFORMATION information{&some, &some, 7, 7};
+    EXPECT_FALSE(CreateProcessA(nullptr, command, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                                &startupInfo, &information));
+    EXPECT_EQ(information.hProcess, nullptr);
+    EXPECT_EQ(information.hThread, nullptr);
+    EXPECT_EQ(information.dwProcessId, 0u);
+    EXPECT_EQ(information.dwThreadId, 0u);
+}
+
+TEST(CreateProcess, TheTypedFormTakesTheSame) {
+    STARTUPINFOW startupInfo{};
+    PROCESS_INFORMATION information{};
+    const QString line = QStringLiteral("/bin/sh -c \"echo $KX; pwd\"");
+    QString command = line;
+    errno = 0;
+    EXPECT_FALSE(createProcess(QString(), command, nullptr, nullptr, false, 0, {}, QString(),
+                               nullptr, &information));
+    EXPECT_EQ(errno, 22);
+    EXPECT_FALSE(createProcess(QString(), command, nullptr, nullptr, false, 0, {}, QString(),
+                               &startupInfo, nullptr));
+    ASSERT_TRUE(createProcess(QStringLiteral("ignored"), command, nullptr, nullptr, true, 1,
+                              {QStringLiteral("KX=1")}, QStringLiteral("/"), &startupInfo,
+                              &information));
+    EXPECT_EQ(errno, 0);
+    EXPECT_EQ(command, line) << "not written to";
+    auto* process = static_cast<WProcess*>(information.hProcess);
+    EXPECT_TRUE(WProcess::wait(process, INFINITE));
+    EXPECT_EQ(process->readAllStandardOutput(), "1\n/\n");
+    EXPECT_TRUE(CloseHandle(process));
 }
 
 TEST(CreateProcess, GivesTheHandleAndTheProcessId) {

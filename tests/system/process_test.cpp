@@ -55,7 +55,9 @@ TEST(ProcessWait, IsTrueOnceWhenTheProcessEnds) {
 TEST(ProcessWait, TimesOut) {
     const Child child = start("/bin/cat");
     const auto begin = std::chrono::steady_clock::now();
+    errno = 55;
     EXPECT_FALSE(WProcess::wait(child.process(), 30));
+    EXPECT_EQ(errno, 55);
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(29));
     EXPECT_FALSE(WProcess::wait(child.process(), 0));
     child.process()->closeWriteChannel();
@@ -286,6 +288,43 @@ TEST(WProcess, CanBeDrivenByItsClient) {
     EXPECT_EQ(process->readAllStandardOutput(), "1\n/\nin");
     EXPECT_FALSE(WProcess::wait(process, 0)) << "the end was noticed before";
     EXPECT_TRUE(CloseHandle(process));
+}
+
+TEST(WProcess, EmitsAndNotesWhatItsClientTells) {
+    WProcess process({}, {});
+    int starts = 0;
+    int code = 0;
+    QObject::connect(&process, &QProcess::started, [&] { ++starts; });
+    QObject::connect(&process, &QProcess::finished, [&](int exitCode) { code = exitCode; });
+    process.started();
+    EXPECT_EQ(starts, 1);
+    process.finished(5, QProcess::NormalExit);
+    EXPECT_EQ(code, 5);
+    const Korvex::LockGuard guard(WProcess::sCritSect);
+    EXPECT_TRUE(process.hasStarted);
+    EXPECT_TRUE(process.hasFinished);
+    EXPECT_EQ(process.refCount, 0);
+}
+
+TEST(WProcess, ThatIsSaidToHaveFinishedIsCollectedWhenItEnds) {
+    const Child child = start("/bin/cat");
+    child.process()->finished(0, QProcess::NormalExit);
+    EXPECT_EQ(child.process()->refCount, 0) << "one reference was given up";
+    EXPECT_EQ(knownProcesses(), 0u);
+    EXPECT_FALSE(WProcess::wait(child.process(), 0));
+    child.process()->closeWriteChannel();
+    EXPECT_TRUE(child.process()->waitForFinished());
+    EXPECT_EQ(child.process()->refCount, 0) << "and no other at the end";
+    EXPECT_TRUE(CloseHandle(child.process()));
+}
+
+TEST(WProcess, ThatIsSaidToHaveFinishedMayBeClosedWhileItRuns) {
+    const Child child = start("/bin/cat");
+    child.process()->finished(0, QProcess::NormalExit);
+    EXPECT_TRUE(CloseHandle(child.process()));
+    EXPECT_TRUE(runs(child.information.dwProcessId));
+    end(child.information.dwProcessId);
+    EXPECT_TRUE(becomes([&] { return !runs(child.information.dwProcessId); }));
 }
 
 TEST(WProcess, AFailedInvocationIsFreedByDisposing) {

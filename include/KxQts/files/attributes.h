@@ -7,11 +7,11 @@
 
 #include <QString>
 
-/// See `GetFileAttributesA`: `FILE_ATTRIBUTE_NORMAL` or `INVALID_FILE_ATTRIBUTES`.
+/// See \ref GetFileAttributesA. \return `FILE_ATTRIBUTE_NORMAL` or `INVALID_FILE_ATTRIBUTES`.
 KXQTS_EXPORT unsigned int getFileAttributes(const QString& path);
 
-/// Not supported; use \ref getFileAttributesData. \return False, always; nothing is written and
-/// `errno` is left alone.
+/// Not supported; use \ref getFileAttributesData.
+/// \return False, always; nothing is written and `errno` is left alone.
 KXQTS_EXPORT bool getFileAttributesEx(const QString& path, _GET_FILEEX_INFO_LEVELS level,
                                       void* data);
 

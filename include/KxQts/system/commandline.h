@@ -14,10 +14,10 @@
 /// is quoted nor escaped. Callers do that themselves where a text may hold a blank or another
 /// character that means something to a shell.
 /// \param output Never receives the tool's output, only the daemon session's message about a
-/// failure (see `CallDaemonSession`); left alone on success and in root mode. \param timeout How
-/// long the daemon's answer is waited for, in seconds; 0 stands for 1. Not used in root mode. A
-/// tool that takes longer runs on. \return The daemon session's result, or what `system` returned.
-/// 0 for success.
+/// failure (see \ref CallDaemonSession); left alone on success and in root mode.
+/// \param timeout How long the daemon's answer is waited for, in seconds; 0 stands for 1. Not used
+/// in root mode. A tool that takes longer runs on.
+/// \return The daemon session's result, or in root mode what `system` returned: 0 for success.
 KXQTS_EXPORT int executeCommandLineTool(const QString& tool, const QStringList& arguments,
                                         QString& output, unsigned int timeout);
 

@@ -41,6 +41,15 @@ public:
     /// was started.
     int invoke(const QString& command);
 
+    /// Emits QProcess's signal and notes that the program runs. The process's own start does the
+    /// same. The signal to connect to is `QProcess::started`.
+    void started();
+
+    /// Emits QProcess's signal, notes that the process has ended and gives up one reference. The
+    /// process's own end does the same; of the two only the first one gives a reference up.
+    /// The signal to connect to is `QProcess::finished`.
+    void finished(int exitCode, QProcess::ExitStatus exitStatus);
+
     /// Waits for the end of a process.
     /// \param ms Milliseconds as a signed number, −1 (`INFINITE`) for no limit.
     /// \return Whether it ended; false for what is no process that is known to run, and so for one
@@ -59,8 +68,8 @@ public:
     static Korvex::HandleRegistry<WProcess> sObjectList KXQTS_GUARDED_BY(sCritSect);
 
     std::atomic<int> refCount{1};
-    bool hasStarted KXQTS_GUARDED_BY(sCritSect) = false;  ///< Set when the program runs
-    bool hasFinished KXQTS_GUARDED_BY(sCritSect) = false; ///< Set when its end was noticed
+    bool hasStarted KXQTS_GUARDED_BY(sCritSect) = false;  ///< "started" of the handle model
+    bool hasFinished KXQTS_GUARDED_BY(sCritSect) = false; ///< "finished" of the handle model
 
 private:
     friend class Korvex::ProcessCare;

@@ -84,7 +84,7 @@ KXQTS_C_API BOOL CopyFileW(LPCWSTR lpExistingFileName, LPCWSTR lpNewFileName, BO
 ///
 /// A target that exists is replaced (Windows refuses it), unless it is a folder, which is never
 /// replaced; a target whose replacement fails is still there. Moving something onto itself does
-/// nothing. Neither path may end with a slash.
+/// nothing. The source may not end with a slash, and the target only if it names a folder to be.
 /// \return `TRUE`, with `errno` 2. `FALSE` with `errno` 2 when the source is missing, else as left
 /// by the system.
 KXQTS_C_API BOOL MoveFileA(LPCSTR lpExistingFileName, LPCSTR lpNewFileName);
@@ -119,10 +119,10 @@ KXQTS_C_API BOOL RemoveDirectoryW(LPCWSTR lpPathName);
 /// \return Null with `errno` 22, for every path that is not empty and for null arguments.
 KXQTS_C_API FILE* _wfopen(const wchar_t* path, const wchar_t* mode);
 
-/// Deletes a file as \ref DeleteFileW does. \return 0, or **1** (not −1) when it was not deleted;
-/// `errno` is that of \ref DeleteFileW.
+/// Deletes a file as \ref DeleteFileW does.
+/// \return 0, or **1** (not −1) when it was not deleted; `errno` is that of \ref DeleteFileW.
 KXQTS_C_API int _wremove(const wchar_t* path);
 
-/// Moves or renames as \ref MoveFileW does, replacing a file of the new name. \return 0, or **1**
-/// (not −1) on failure; `errno` is that of \ref MoveFileW.
+/// Moves or renames as \ref MoveFileW does, replacing a file of the new name.
+/// \return 0, or **1** (not −1) on failure; `errno` is that of \ref MoveFileW.
 KXQTS_C_API int _wrename(const wchar_t* oldPath, const wchar_t* newPath);

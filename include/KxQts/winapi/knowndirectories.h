@@ -33,8 +33,9 @@ KXQTS_C_API DWORD GetTempPathW(DWORD size, LPWSTR buffer);
 ///
 /// \param size Characters that \a buffer has room for, the terminator included.
 /// \return Characters stored, without the terminator, with `errno` 0. 0 with `errno` 234 when they
-/// do not fit; 0 with `errno` left alone for a null buffer and when the bundle's path has more than
-/// 259 characters.
+/// do not fit in \a size, whether or not there is a buffer; 0 with `errno` left alone for a null
+/// buffer said to be large enough, and when the bundle's path has more than 259 characters or
+/// cannot be told.
 /// \par Differs from Windows
 /// There is no such call there. The text is in Mac Roman; the wide form converts it in the
 /// program's locale and ends where that fails.
