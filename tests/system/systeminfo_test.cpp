@@ -181,6 +181,18 @@ TEST(MachineIdentity, TellsWhetherSwapIsEncrypted) {
     EXPECT_TRUE(encrypted) << "left alone";
 }
 
+TEST(MachineIdentity, QuestionsLeaveErrnoAlone) {
+    const ScriptedPreferences preferences;
+    const ScriptedSystemFacts facts;
+    for (const auto question : {getComputerName, getHostName, getUserName, getModel,
+                                getSerialNumber, getBundlePath, getBundleExecutablePath}) {
+        QString answer;
+        errno = 77;
+        question(answer);
+        EXPECT_EQ(errno, 77) << answer.toStdString();
+    }
+}
+
 TEST(MainBundle, IsTheFolderOfAPlainProgram) {
     QString path;
     EXPECT_TRUE(getBundleExecutablePath(path));
