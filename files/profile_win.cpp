@@ -1,4 +1,5 @@
 #include <KxQts/files/profile.h>
+#include <KxQts/support/text.h>
 #include <KxQts/winapi/profiles.h>
 
 #include <QByteArray>
@@ -31,13 +32,13 @@ void endList(Character* buffer, DWORD size) {
         buffer[size] = 0;
 }
 
-DWORD store(const QByteArray& text, char* buffer, const Room& room) {
-    const auto length = static_cast<DWORD>(text.size());
+DWORD store(const WCString& text, char* buffer, const Room& room) {
+    const DWORD length = text.size - 1;
     if (room.fits(length)) {
-        qstrcpy(buffer, text.constData());
+        qstrcpy(buffer, text);
         return length;
     }
-    qstrncpy(buffer, text.constData(), room.truncated());
+    qstrncpy(buffer, text, room.truncated());
     if (room.list)
         endList(buffer, room.size);
     else if (room.size > 0)
@@ -68,7 +69,7 @@ DWORD GetPrivateProfileStringA(LPCSTR lpAppName, LPCSTR lpKeyName, LPCSTR lpDefa
                             QString::fromLatin1(lpFileName));
     if (result.isEmpty() || !lpReturnedString)
         return 0;
-    return store(result.toLatin1(), lpReturnedString, {nSize, !lpAppName || !lpKeyName});
+    return store(WCString(result), lpReturnedString, {nSize, !lpAppName || !lpKeyName});
 }
 
 DWORD GetPrivateProfileStringW(LPCWSTR lpAppName, LPCWSTR lpKeyName, LPCWSTR lpDefault,

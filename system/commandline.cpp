@@ -1,6 +1,7 @@
 #include <KxQts/system/commandline.h>
 
 #include <KxQts/daemon/command.h>
+#include <KxQts/support/text.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -20,7 +21,7 @@ int executeCommandLineTool(const QString& tool, const QStringList& arguments, QS
     for (const QString& argument : arguments)
         command += QLatin1Char(' ') + argument;
     if (isRootMode)
-        return std::system(command.toLatin1().constData()); // NOLINT(bugprone-*,cert-env33-c)
+        return std::system(WCString(command)); // NOLINT(bugprone-*,cert-env33-c)
     const unsigned parameters[parameterCount] = {};
     return CallDaemonSession(runCommandLine, timeout, &command, parameters, parameterCount,
                              &output);

@@ -2,6 +2,8 @@
 #include <KxQts/registry/registry.h>
 #include <KxQts/winapi/profiles.h>
 
+#include "common/heap.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -10,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -171,6 +174,20 @@ TEST_F(Profile, BuffersOfFewerThanThreeCharactersAreNotOverrun) {
         EXPECT_EQ(read(nullptr, nullptr, "", size).result, 0U) << "never below zero";
     EXPECT_EQ(start(read(nullptr, nullptr, "", 3).buffer, 5), bytes("\0#\0\0#", 5));
     EXPECT_EQ(GetPrivateProfileStringA("Main", "Ten", "", nullptr, 10, "app.ini"), 0U);
+}
+
+TEST_F(Profile, TheLibrarysOwn8BitTextIsWiped) {
+    std::array<char, 400> byDefault{};
+    std::array<char, 400> buffer{};
+    const std::string_view secret = "k1tt3n-p4ssw0rd";
+    byDefault.fill('x');
+    secret.copy(byDefault.data() + 200, secret.size());
+    byDefault.back() = 0;
+    EXPECT_EQ(GetPrivateProfileStringA("Main", "Missing", byDefault.data(), buffer.data(),
+                                       buffer.size(), "app.ini"),
+              399U);
+    EXPECT_EQ(std::string_view(buffer.data() + 200, secret.size()), secret);
+    EXPECT_FALSE(KxTest::heapHolds(secret));
 }
 
 TEST_F(Profile, AZeroInTheTextEndsTheCopyNotTheCount) {

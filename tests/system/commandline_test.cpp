@@ -1,5 +1,6 @@
 #include <KxQts/system/commandline.h>
 
+#include "common/heap.h"
 #include "fakes/peer.h"
 
 #include <gtest/gtest.h>
@@ -78,6 +79,17 @@ TEST(ExecuteCommandLineTool, InRootModeTheShellsStatusIsReturned) {
         return executeCommandLineTool(QStringLiteral("exit"), {"3"}, output, 0) == 3 * 256 &&
                executeCommandLineTool(QStringLiteral("true"), {}, output, 0) == 0 &&
                output == QLatin1String("untouched");
+    }));
+}
+
+TEST(ExecuteCommandLineTool, InRootModeTheLineForTheShellIsWiped) {
+    EXPECT_TRUE(holdsInAProcess([] {
+        setRootModeFor_executeCommandLineTool();
+        QString output;
+        const std::string_view secret = "k1tt3n-p4ssw0rd";
+        executeCommandLineTool(QStringLiteral("true"), {QString(200, 'x'), "k1tt3n-p4ssw0rd"},
+                               output, 0);
+        return !KxTest::heapHolds(secret);
     }));
 }
 
