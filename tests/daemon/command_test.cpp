@@ -116,6 +116,21 @@ TEST(CallDaemonSession, AResponseThatIsTooShortCountsAsFarAsItGoes) {
     EXPECT_EQ(outcome.message, "untouched");
 }
 
+TEST(CallDaemonSession, TakesAResponseThatIsSentInTwoPieces) {
+    const Peer peer(commandPort, [](Connection& connection) {
+        connection.read(requestSize);
+        connection.write(words({6}));
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        connection.write(words({3}));
+        connection.readToEnd();
+    });
+    constexpr int sessions = 20;
+    int whole = 0;
+    for (int i = 0; i < sessions; ++i)
+        whole += call(6).result == 3 ? 1 : 0;
+    EXPECT_GE(whole, sessions / 2) << "all, but on a machine that is very busy";
+}
+
 TEST(CallDaemonSession, NobodyListening) {
     const Outcome outcome = call(6);
     EXPECT_EQ(outcome.result, 30766);

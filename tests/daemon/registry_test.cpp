@@ -11,6 +11,7 @@
 #include <cstring>
 #include <future>
 #include <memory>
+#include <thread>
 
 using KxTest::Connection;
 using KxTest::Peer;
@@ -154,6 +155,23 @@ TEST(CallDaemonRegistrySession, WhatDoesNotArriveOfThePayloadIsZero) {
     EXPECT_EQ(outcome.result, 0);
     ASSERT_NE(outcome.payload, nullptr);
     EXPECT_EQ(std::string(outcome.payload, 8), std::string("half\0\0\0\0", 8));
+}
+
+TEST(CallDaemonRegistrySession, TakesAPayloadThatIsSentBehindTheRecord) {
+    const Peer peer(registryPort, [](Connection& connection) {
+        connection.read(requestSize);
+        connection.write(record(3, 0, 5));
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        connection.write("value");
+        connection.readToEnd();
+    });
+    constexpr int sessions = 20;
+    int whole = 0;
+    for (int i = 0; i < sessions; ++i) {
+        const Outcome outcome = call(3);
+        whole += outcome.payload && std::memcmp(outcome.payload, "value", 5) == 0 ? 1 : 0;
+    }
+    EXPECT_GE(whole, sessions / 2) << "all, but on a machine that is very busy";
 }
 
 TEST(CallDaemonRegistrySession, ARecordThatIsTooShortHasNoPayload) {

@@ -18,6 +18,7 @@
 #include <mutex>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
 
 using KxTest::Connection;
@@ -144,6 +145,21 @@ TEST(DaemonSession, ReadsOnceAndWaitsForNoRest) {
     });
     EXPECT_EQ(sessionWith(peer, 4), 5);
     finished.set_value();
+}
+
+TEST(DaemonSession, TakesAResponseThatIsSentInTwoPieces) {
+    const Peer peer(0, [](Connection& connection) {
+        connection.read(requestHead);
+        connection.write(words({4, 0, 3}));
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        connection.write("xyz");
+        connection.readToEnd();
+    });
+    constexpr int sessions = 20;
+    int whole = 0;
+    for (int i = 0; i < sessions; ++i)
+        whole += sessionWith(peer, 4) == 0 ? 1 : 0;
+    EXPECT_GE(whole, sessions / 2) << "all, but on a machine that is very busy";
 }
 
 TEST(DaemonSession, NobodyListening) {
@@ -313,6 +329,30 @@ TEST(WDaemonSocket, ABrokenConnectionIsAnErrorAndNoSignal) {
         sent = socket.send(1, nullptr, 0, nullptr, 0);
     EXPECT_EQ(sent, -1);
     EXPECT_TRUE(errno == 5 || errno == 57) << errno;
+}
+
+TEST(Loopback, WaitsForTheRestOfWhatHasBegunToArrive) {
+    std::promise<void> goOn;
+    std::promise<void> end;
+    const Peer peer(0, [&](Connection& connection) {
+        connection.write("ab");
+        goOn.get_future().wait();
+        connection.write("cde");
+        end.get_future().wait();
+    });
+    QTcpSocket socket;
+    ASSERT_TRUE(Korvex::Loopback::connect(socket, peer.port(), 10'000));
+    ASSERT_TRUE(Korvex::Loopback::waitForData(socket, 10));
+    Korvex::Loopback::awaitRest(socket, 5, 1);
+    EXPECT_EQ(socket.bytesAvailable(), 2) << "for as long as asked for";
+    goOn.set_value();
+    Korvex::Loopback::awaitRest(socket, 5, 60'000);
+    EXPECT_EQ(socket.bytesAvailable(), 5);
+    end.set_value();
+    const auto start = std::chrono::steady_clock::now();
+    Korvex::Loopback::awaitRest(socket, 6, 60'000);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30))
+        << "the end of the connection ends it";
 }
 
 TEST(Loopback, ASocketInUseGetsTimeToBecomeIdle) {

@@ -38,7 +38,7 @@ public:
     /// broke.
     int sendDataToSocket(unsigned cmd, const char* text, const unsigned* params, unsigned count);
 
-    /// Waits for the response and reads once.
+    /// Waits for the response and reads once, a moment (50 ms) after it has begun at the latest.
     /// \param response Room for the echoed command code and the status. A response that is too
     /// short leaves the rest as it was, and is no error.
     /// \param timeoutSeconds 0 stands for 1.
@@ -48,12 +48,13 @@ public:
     /// Disconnects, waiting for at most \ref timeout until everything is sent.
     void closeSocket();
 
+private:
+    std::unique_ptr<QTcpSocket> socket; // the first field, before those that programs set
+
+public:
     unsigned timeout = 2000; ///< Milliseconds; what the waits are counted in
     /// After a failure the `QAbstractSocket::SocketError`, −1 for a socket that was not connected.
     int lastError = -1;
-
-private:
-    std::unique_ptr<QTcpSocket> socket;
 };
 
 } // namespace Korvex

@@ -60,7 +60,8 @@ public:
     /// broke.
     int sendDataToSocket(const _D_REG_REQUEST& request, const char* payload);
 
-    /// Waits for the response, and reads the record and the payload once each.
+    /// Waits for the response, and reads the record and the payload once each. What is not there
+    /// within a moment (50 ms) is not waited for.
     /// \param response What does not arrive of it is zero.
     /// \param timeoutSeconds 0 stands for 1.
     /// \param payload Receives the payload of a successful response that has one: a buffer of
@@ -73,12 +74,13 @@ public:
     /// Disconnects, waiting for at most \ref timeout until everything is sent.
     void closeSocket();
 
+private:
+    std::unique_ptr<QTcpSocket> socket; // the first field, before those that programs set
+
+public:
     unsigned timeout = 2000; ///< Milliseconds; what the waits are counted in
     /// After a failure the `QAbstractSocket::SocketError`, −1 for a socket that was not connected.
     int lastError = -1;
-
-private:
-    std::unique_ptr<QTcpSocket> socket;
 };
 
 } // namespace Korvex
