@@ -71,9 +71,9 @@ using Korvex::ZRDaemonSocket;
 /// \param params,count See `ZRDaemonSocket::sendDataToSocket`.
 /// \param message Receives, when given, what went wrong; left alone after a success. One of "socket
 /// locked", "init failed(E)", "sendData failed(E)", "getData failed(E/C)", "(status =S)", where E
-/// is the socket's last error, C the echoed command code and S the status, in decimal. \return The
-/// daemon's status; 30761 when another session takes too long; otherwise as `ZRDaemonSocket`
-/// says. A response that echoes another command code gives 0 with the message "getData failed":
-/// callers rely on it.
+/// is the socket's last error, C the echoed command code and S the status, in decimal.
+/// \return The daemon's status; 30761 when another session takes too long; otherwise as
+/// `ZRDaemonSocket` says. A response that echoes another command code gives 0 with the message
+/// "getData failed": callers rely on it.
 KXQTS_EXPORT int CallDaemonSession(unsigned cmd, unsigned timeoutSeconds, const QString* text,
                                    const unsigned* params, unsigned count, QString* message);

@@ -94,14 +94,17 @@ using Korvex::ZRDaemonRegistrySocket;
 /// Any thread may call. One registry session at a time, as for \ref CallDaemonSession and
 /// independent of it.
 /// \param response Receives the response; left alone when none came.
-/// \param responsePayload See `ZRDaemonRegistrySocket::getDataFromSocket`; the caller releases
-/// it with `delete[]`. \param requestPayload `request.payloadLength` bytes; may be null. \param
-/// message Receives, when given, what went wrong; left alone after a success. One of
+/// \param timeoutSeconds How long the response is waited for; 0 stands for 1.
+/// \param responsePayload See `ZRDaemonRegistrySocket::getDataFromSocket`; the caller releases it
+/// with `delete[]`.
+/// \param requestPayload `request.payloadLength` bytes; may be null.
+/// \param message Receives, when given, what went wrong; left alone after a success. One of
 /// "ZRDaemonRegistrySocket locked", "init failed(E)", "sendData ZRDaemonRegistrySocket failed(E)",
 /// "getData failed(E/R)", "(status =S)", where E is the socket's last error, R the result of
-/// reading and S the status, in decimal. \return The daemon's status; 30761 when another session
-/// takes too long; otherwise as `ZRDaemonRegistrySocket` says. A response that echoes another
-/// command code gives 0 with the message "getData failed".
+/// reading and S the status, in decimal.
+/// \return The daemon's status; 30761 when another session takes too long; otherwise as
+/// `ZRDaemonRegistrySocket` says. A response that echoes another command code gives 0 with the
+/// message "getData failed".
 KXQTS_EXPORT int CallDaemonRegistrySession(const _D_REG_REQUEST& request, _D_REG_RESPONSE& response,
                                            unsigned timeoutSeconds, char*& responsePayload,
                                            const char* requestPayload, QString* message);

@@ -15,10 +15,10 @@
 /// character that means something to a shell. A session carries at most 2047 bytes of the line, and
 /// the daemon refuses one that was cut (22).
 /// \param output Never receives the tool's output, only the daemon session's message about a
-/// failure (see `CallDaemonSession`); left alone on success and in root mode. \param timeout How
-/// long the daemon's answer is waited for, in seconds; 0 stands for 1. Not used in root mode. A
-/// tool that takes longer runs on. \return The daemon session's result, or what `system` returned.
-/// 0 for success.
+/// failure (see `CallDaemonSession`); left alone on success and in root mode.
+/// \param timeout How long the daemon's answer is waited for, in seconds; 0 stands for 1. Not used
+/// in root mode. A tool that takes longer runs on.
+/// \return The daemon session's result, or what `system` returned. 0 for success.
 KXQTS_EXPORT int executeCommandLineTool(const QString& tool, const QStringList& arguments,
                                         QString& output, unsigned int timeout);
 
