@@ -9,19 +9,16 @@
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <future>
 #include <mutex>
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <thread>
-#include <unistd.h>
 
 using KxTest::Connection;
+using KxTest::DeafPeer;
 using KxTest::Peer;
 using KxTest::words;
 
@@ -172,7 +169,7 @@ TEST(DaemonSession, ASilentDaemonTimesOutAfterOneSecondWhenZeroIsAsked) {
     EXPECT_EQ(daemonSession(peer.port(), 4, 0, nullptr, 0, nullptr, 0, nullptr, nullptr), 101);
     const auto waited = std::chrono::steady_clock::now() - start;
     EXPECT_GE(waited, std::chrono::milliseconds(990));
-    EXPECT_LT(waited, std::chrono::milliseconds(1900));
+    EXPECT_LT(waited, std::chrono::seconds(10));
 }
 
 TEST(DaemonSession, ADaemonThatClosesAtOnceIsNoAnswerInTime) {
@@ -285,27 +282,17 @@ TEST(WDaemonSocket, ReceivesAsMuchAsThereIsRoom) {
 }
 
 TEST(WDaemonSocket, WaitsFourTimesItsTimeForTheConnection) {
-    // A listener that accepts nobody takes the first connection and leaves the others waiting.
-    const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), size), 0);
-    ASSERT_EQ(listen(listener, 0), 0);
-    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
-    const unsigned short port = ntohs(address.sin_port);
+    const DeafPeer peer(0);
     WDaemonSocket first;
     EXPECT_EQ(first.timeout, 2000u);
-    EXPECT_EQ(first.init(port), 0);
+    EXPECT_EQ(first.init(peer.port()), 0);
     WDaemonSocket second;
     second.timeout = 50;
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(second.init(port), 57);
+    EXPECT_EQ(second.init(peer.port()), 57);
     const auto waited = std::chrono::steady_clock::now() - start;
     EXPECT_GE(waited, std::chrono::milliseconds(195));
-    EXPECT_LT(waited, std::chrono::milliseconds(900));
-    ::close(listener);
+    EXPECT_LT(waited, std::chrono::seconds(7)) << "no default";
 }
 
 TEST(WDaemonSocket, ABrokenConnectionIsAnErrorAndNoSignal) {

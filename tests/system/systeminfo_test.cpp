@@ -1,4 +1,5 @@
 #include "common/objects.h"
+#include "fakes/groups.h"
 #include "fakes/imagelist.h"
 #include "fakes/preferences.h"
 #include "fakes/systemfacts.h"
@@ -139,6 +140,13 @@ TEST(UserName, IsThatOfTheEffectiveUser) {
     QString name;
     EXPECT_TRUE(getUserName(name));
     EXPECT_EQ(name, account->pw_name);
+}
+
+TEST(UserName, OfAUserWithoutAnAccountIsNone) {
+    const KxTest::FakeGroups nobodyIsKnown;
+    QString name = QStringLiteral("old");
+    EXPECT_FALSE(getUserName(name));
+    EXPECT_EQ(name, "old");
 }
 
 TEST(MachineIdentity, TellsModelAndSerialNumber) {
