@@ -113,6 +113,15 @@ ConnectionLocks& connectionLocks() {
     return *locks;
 }
 
+/// Nobody would answer on what is no connection to a driver. \return 0, or −1 with `errno`.
+int checkConnection(int socket) {
+    int type = 0;
+    socklen_t size = sizeof type;
+    if (getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &size) != 0)
+        return -1;
+    return type == SOCK_SEQPACKET ? 0 : failWith(ENOPROTOOPT);
+}
+
 int sendRequest(int socket, const RequestHead& head, const void* value, std::size_t size) {
     std::array<iovec, 2> parts{
         {{const_cast<RequestHead*>(&head), sizeof head}, {const_cast<void*>(value), size}}};
@@ -146,8 +155,8 @@ int receiveReply(int socket, unsigned sequence, void* value, unsigned* size) {
 int transfer(int socket, Kind kind, unsigned option, void* value, unsigned* size) {
     static std::atomic<std::uint32_t> sequences{0};
     const RequestHead head{kind, option, ++sequences};
-    if (socket < 0)
-        return failWith(EBADF);
+    if (checkConnection(socket) != 0)
+        return -1;
     std::mutex* const lock = connectionLocks().of(socket);
     if (!lock)
         return failWith(ENOMEM);

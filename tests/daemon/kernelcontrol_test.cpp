@@ -239,6 +239,23 @@ TEST(KextControl, FailsWithoutAHost) {
     EXPECT_EQ(KextControl(socket.get(), 1, &value, nullptr), -1);
 }
 
+TEST(KextControl, FailsAtOnceOnWhatIsNoConnectionToADriver) {
+    int pair[2] = {-1, -1};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair), 0);
+    const Descriptor one(pair[0]);
+    const Descriptor other(pair[1]);
+    char value = 0;
+    unsigned size = 1;
+    EXPECT_EQ(KextControl(one.get(), 1, &value, &size), -1);
+    EXPECT_EQ(errno, ENOPROTOOPT);
+    EXPECT_EQ(KextCommand(one.get(), 1), -1);
+    EXPECT_FALSE(DeviceIoControl(one.get(), 1, &value, 1, nullptr, 0, nullptr, nullptr));
+    EXPECT_EQ(errno, -1);
+    const Descriptor file(open("/dev/null", O_RDWR | O_CLOEXEC));
+    EXPECT_EQ(KextCommand(file.get(), 1), -1);
+    EXPECT_EQ(errno, ENOTSOCK);
+}
+
 TEST(KextControl, LongTransfersAndTheirLimit) {
     const KernelControlHost host(name, {5}, [](Kind, unsigned, const std::string& request) {
         return Reply{0, request};
