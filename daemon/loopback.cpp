@@ -16,6 +16,8 @@
 
 namespace Korvex::Loopback {
 
+constinit std::atomic<int> moment{50};
+
 namespace {
 
 bool isIdle(const QTcpSocket& socket) {
@@ -72,9 +74,9 @@ bool waitForData(QTcpSocket& socket, unsigned seconds) {
            socket.waitForReadyRead(waitTime(std::max(seconds, 1u) * msPerSecond));
 }
 
-void awaitRest(QTcpSocket& socket, long long size, int ms) {
+void awaitRest(QTcpSocket& socket, long long size) {
     const BrokenPipeGuard guard;
-    const QDeadlineTimer end(ms);
+    const QDeadlineTimer end(moment);
     while (socket.bytesAvailable() < size && !end.hasExpired() &&
            socket.waitForReadyRead(static_cast<int>(end.remainingTime()))) {
     }

@@ -2,6 +2,7 @@
 
 #include <QByteArrayView>
 
+#include <atomic>
 #include <memory>
 
 class QTcpSocket;
@@ -30,9 +31,12 @@ namespace Korvex::Loopback {
 /// \param seconds 0 stands for 1; more than fits in milliseconds for the longest wait there is.
 [[nodiscard]] bool waitForData(QTcpSocket& socket, unsigned seconds);
 
-/// Gives a peer that has begun to answer a moment to finish: waits until there are \a size bytes to
-/// read, for \a ms milliseconds at most. Many a daemon sends what belongs together in two pieces.
-void awaitRest(QTcpSocket& socket, long long size, int ms = 50);
+/// How long a peer that has begun to answer gets to finish, in milliseconds. Only tests change it.
+extern std::atomic<int> moment;
+
+/// Gives a peer that has begun to answer its \ref moment: waits until there are \a size bytes to
+/// read. Many a daemon sends what belongs together in two pieces.
+void awaitRest(QTcpSocket& socket, long long size);
 
 /// Disconnects and deletes, giving unsent bytes \a ms milliseconds to leave. Null is left alone.
 void close(std::unique_ptr<QTcpSocket>& socket, unsigned ms);
