@@ -4,8 +4,10 @@
 #include "daemon/diagnostic.h"
 #include "daemon/loopback.h"
 #include "daemon/sessionlock.h"
+#include "support/wipe.h"
 
 #include <KxQts/errors.h>
+#include <KxQts/support/text.h>
 
 #include <QTcpSocket>
 
@@ -44,9 +46,9 @@ int exchange(ZRDaemonSocket& socket, unsigned cmd, unsigned timeoutSeconds, cons
         report(message, QStringLiteral("init failed(%1)").arg(socket.lastError));
         return error;
     }
-    const QByteArray latin1 = text ? text->toLatin1() : QByteArray();
+    const WCString latin1(text ? *text : QString());
     if (const int error =
-            socket.sendDataToSocket(cmd, text ? latin1.constData() : nullptr, params, count)) {
+            socket.sendDataToSocket(cmd, text ? latin1.str : nullptr, params, count)) {
         report(message, QStringLiteral("sendData failed(%1)").arg(socket.lastError));
         return error;
     }
@@ -76,6 +78,7 @@ int ZRDaemonSocket::sendDataToSocket(unsigned cmd, const char* text, const unsig
     if (const int error = DaemonConnection::check(socket, lastError))
         return error;
     CommandRequest request{cmd, {}, {}};
+    const WipedAtEnd wiped(request); // command lines may hold secrets
     if (params)
         std::copy_n(params, std::min(count, parameterSlots), request.parameters);
     if (text)
@@ -89,6 +92,7 @@ int ZRDaemonSocket::getDataFromSocket(unsigned* response, unsigned timeoutSecond
         return error;
     if (const int error = DaemonConnection::waitForData(*socket, timeoutSeconds, lastError))
         return error;
+    Loopback::awaitRest(*socket, sizeof(CommandResponse));
     socket->read(reinterpret_cast<char*>(response), sizeof(CommandResponse));
     return Error::None;
 }

@@ -4,6 +4,7 @@
 #include "platform/clock.h"
 #include "platform/scopes.h"
 
+#include <QDeadlineTimer>
 #include <QHostAddress>
 #include <QNetworkProxy>
 #include <QTcpSocket>
@@ -14,6 +15,8 @@
 #include <new>
 
 namespace Korvex::Loopback {
+
+constinit std::atomic<int> moment{50};
 
 namespace {
 
@@ -69,6 +72,14 @@ bool waitForData(QTcpSocket& socket, unsigned seconds) {
     const BrokenPipeGuard guard;
     return socket.bytesAvailable() > 0 ||
            socket.waitForReadyRead(waitTime(std::max(seconds, 1u) * msPerSecond));
+}
+
+void awaitRest(QTcpSocket& socket, long long size) {
+    const BrokenPipeGuard guard;
+    const QDeadlineTimer end(moment);
+    while (socket.bytesAvailable() < size && !end.hasExpired() &&
+           socket.waitForReadyRead(static_cast<int>(end.remainingTime()))) {
+    }
 }
 
 void close(std::unique_ptr<QTcpSocket>& socket, unsigned ms) {

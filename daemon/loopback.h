@@ -2,6 +2,7 @@
 
 #include <QByteArrayView>
 
+#include <atomic>
 #include <memory>
 
 class QTcpSocket;
@@ -29,6 +30,13 @@ namespace Korvex::Loopback {
 /// Waits until there is something to read.
 /// \param seconds 0 stands for 1; more than fits in milliseconds for the longest wait there is.
 [[nodiscard]] bool waitForData(QTcpSocket& socket, unsigned seconds);
+
+/// How long a peer that has begun to answer gets to finish, in milliseconds. Only tests change it.
+extern std::atomic<int> moment;
+
+/// Gives a peer that has begun to answer its \ref moment: waits until there are \a size bytes to
+/// read. Many a daemon sends what belongs together in two pieces.
+void awaitRest(QTcpSocket& socket, long long size);
 
 /// Disconnects and deletes, giving unsent bytes \a ms milliseconds to leave. Null is left alone.
 void close(std::unique_ptr<QTcpSocket>& socket, unsigned ms);

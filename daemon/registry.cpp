@@ -24,6 +24,7 @@ QByteArrayView bytesOf(const _D_REG_REQUEST& request) {
 
 /// Reads once; what does not come is zero.
 void readInto(QTcpSocket& socket, char* buffer, long long size) {
+    Loopback::awaitRest(socket, size);
     const long long received = std::max(socket.read(buffer, size), 0LL);
     std::fill(buffer + received, buffer + size, '\0');
 }

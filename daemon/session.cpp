@@ -36,6 +36,16 @@ bool isConnected(const std::unique_ptr<QTcpSocket>& socket) {
     return socket && Loopback::isConnected(*socket);
 }
 
+/// Gives a response that has begun to arrive its moment, as far as it is announced and fits.
+void awaitRest(QTcpSocket& socket, long long room) {
+    constexpr long long headSize = offsetof(wdaemon_response, data);
+    wdaemon_response response{};
+    Loopback::awaitRest(socket, std::min(room, headSize));
+    if (room > headSize && socket.peek(reinterpret_cast<char*>(&response), headSize) == headSize)
+        Loopback::awaitRest(socket,
+                            std::min(room, headSize + std::min(response.length, longestPayload)));
+}
+
 /// \return The bytes that the response is to the request, or an error.
 int check(const wdaemon_response& response, int received, unsigned cmd) {
     constexpr int head = offsetof(wdaemon_response, data);
@@ -89,6 +99,7 @@ int WDaemonSocket::recv(wdaemon_response* buf, unsigned size, unsigned timeoutSe
         return failWith(Error::InvalidArgument);
     if (!Loopback::waitForData(*socket, timeoutSeconds))
         return failWith(Error::TimedOut);
+    awaitRest(*socket, size);
     return static_cast<int>(socket->read(reinterpret_cast<char*>(buf), size));
 }
 

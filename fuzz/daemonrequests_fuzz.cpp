@@ -40,7 +40,7 @@ void commandRequest(const std::string& bytes) {
     if (!collect(exchange, bytes, received))
         return;
     const std::optional<std::string> line = Kxqtsd::commandLineIn(received);
-    require(!line || (line->size() <= 2047 && line->find('\0') == std::string::npos));
+    require(!line || (line->size() <= 2046 && line->find('\0') == std::string::npos));
 }
 
 void registryRequest(const std::string& bytes) {

@@ -1,6 +1,7 @@
 #include <KxQts/registry/prefs.h>
 
 #include "platform/corefoundation/object.h"
+#include "platform/corefoundation/string.h"
 
 #include <cstring>
 
@@ -29,11 +30,6 @@ CFDataRef dataOver(const QByteArray& bytes) {
 QByteArray bytesOf(CFDataRef data) {
     return {reinterpret_cast<const char*>(CFDataGetBytePtr(data)),
             static_cast<qsizetype>(CFDataGetLength(data))};
-}
-
-QString textOf(CFStringRef string) {
-    return QString::fromUtf16(reinterpret_cast<const char16_t*>(CFStringGetCharactersPtr(string)),
-                              static_cast<qsizetype>(CFStringGetLength(string)));
 }
 
 CFStringRef stringOfUnits(const QByteArray& units) {
@@ -111,7 +107,7 @@ bool WPrefs::getProfileString(const QString& ofPath, const __CFString* user, QSt
     const Owned<CFTypeRef> value(getObjectOfType(ofPath, CFStringGetTypeID(), user));
     if (!Cf::isA(value.get(), Type::String))
         return false;
-    out = textOf(static_cast<CFStringRef>(value.get()));
+    out = Cf::text(static_cast<CFStringRef>(value.get()));
     return true;
 }
 

@@ -2,6 +2,8 @@
 
 #include <KxQts/system/systeminfo.h>
 
+#include "platform/scopes.h"
+
 #include <array>
 #include <ctime>
 
@@ -21,6 +23,7 @@ const char* nameOf(const Names& names, int index) {
 tm localNow() {
     const time_t now = time(nullptr);
     tm local{};
+    tzset(); // localtime_r alone need not notice that the program has changed its time zone
     localtime_r(&now, &local);
     return local;
 }
@@ -49,6 +52,7 @@ QString momentText(const tm& moment) {
 bool getDateFormat(LCID, DWORD, const SYSTEMTIME* time, const QString&, QString& out) {
     constexpr qsizetype clockBegins = 11;
     constexpr qsizetype clockLength = 8;
+    const Korvex::ErrorNumberKept kept;
     tm moment = localNow();
     if (time)
         overwrite(moment, *time);

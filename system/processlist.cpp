@@ -47,8 +47,12 @@ int GetBSDProcessList(kinfo_proc** list, unsigned long* count) {
     std::vector<ProcessEntry> processes;
     *list = nullptr;
     *count = 0;
-    if (const int error = Korvex::processTable().read(processes))
-        return error;
+    try {
+        if (const int error = Korvex::processTable().read(processes))
+            return error;
+    } catch (const std::bad_alloc&) {
+        return Korvex::Error::NoMemory;
+    }
     *list = new (std::nothrow) kinfo_proc[processes.size()];
     if (!*list)
         return Korvex::Error::NoMemory;

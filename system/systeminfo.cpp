@@ -3,6 +3,7 @@
 
 #include "files/mainbundle.h"
 #include "platform/groups.h"
+#include "platform/scopes.h"
 #include "platform/systemfacts.h"
 #include "system/answers.h"
 
@@ -13,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using Korvex::ErrorNumberKept;
 using Korvex::handOn;
 using Korvex::systemFacts;
 
@@ -33,12 +35,14 @@ bool isAscii(const std::string& text) {
 } // namespace
 
 bool getComputerName(QString& name) {
+    const ErrorNumberKept kept;
     name = QHostInfo::localHostName();
     return true;
 }
 
 bool getHostName(QString& name) {
     const QString domain = QStringLiteral("SystemConfiguration/preferences");
+    const ErrorNumberKept kept;
     name.clear();
     Korvex::WPrefs store(nullptr, nullptr, true);
     if (!store.initialize(domain, nullptr, true))
@@ -50,6 +54,7 @@ bool getHostName(QString& name) {
 }
 
 bool getUserName(QString& name) {
+    const ErrorNumberKept kept;
     return handOn(Korvex::groupMembership().nameOf(geteuid()), name);
 }
 
@@ -67,11 +72,13 @@ bool CFStringToQString(QString& out, CFStringRef s) {
 }
 
 bool getModel(QString& model) {
+    const ErrorNumberKept kept;
     return handOn(systemFacts().model(), model);
 }
 
 bool getSerialNumber(QString& serial) {
     constexpr std::size_t longest = 255;
+    const ErrorNumberKept kept;
     serial.clear();
     const std::optional<std::string> number = systemFacts().serialNumber();
     if (number && number->size() <= longest && isAscii(*number))
@@ -80,10 +87,12 @@ bool getSerialNumber(QString& serial) {
 }
 
 bool getBundlePath(QString& path) {
+    const ErrorNumberKept kept;
     return pathOf(Korvex::mainBundle(), path);
 }
 
 bool getBundleExecutablePath(QString& path) {
+    const ErrorNumberKept kept;
     return pathOf(Korvex::mainExecutable(), path);
 }
 

@@ -1,6 +1,7 @@
 #include <KxQts/system/systeminfo.h>
 
 #include "platform/corefoundation/object.h"
+#include "platform/scopes.h"
 #include "platform/systemfacts.h"
 #include "system/answers.h"
 
@@ -8,6 +9,7 @@
 
 #include <cstdio>
 
+using Korvex::ErrorNumberKept;
 using Korvex::handOn;
 using Korvex::systemFacts;
 
@@ -48,6 +50,7 @@ bool copyStated(const QString& key, QString& out) {
 } // namespace
 
 bool getOSKernelReleaseString(QString& release) {
+    const ErrorNumberKept kept;
     return handOn(systemFacts().kernelRelease(), release);
 }
 
@@ -91,6 +94,7 @@ bool Korvex::isMacOsxMountainLion() {
 }
 
 bool getProductVersion(QString& version, QString* build) {
+    const ErrorNumberKept kept;
     if (Korvex::saysNothing(versionDomain()))
         return handOn(systemFacts().productVersion(), version) &&
                (!build || handOn(systemFacts().productBuild(), *build));

@@ -6,12 +6,14 @@
 #include <KxQts/daemon/command.h>
 #include <KxQts/daemon/kernelcontrol.h>
 #include <KxQts/daemon/registry.h>
+#include <KxQts/daemon/registryclient.h>
 #include <KxQts/daemon/session.h>
 #include <KxQts/disk/diskobjects.h>
 #include <KxQts/disk/diskutility.h>
 #include <KxQts/disk/sectormap.h>
 #include <KxQts/disk/volumeid.h>
 #include <KxQts/disk/volumeinfo.h>
+#include <KxQts/errors.h>
 #include <KxQts/files/attributes.h>
 #include <KxQts/files/copymove.h>
 #include <KxQts/files/directories.h>

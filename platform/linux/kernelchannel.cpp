@@ -10,7 +10,9 @@
 #include <atomic>
 #include <cstring>
 #include <fcntl.h>
+#include <map>
 #include <mutex>
+#include <new>
 #include <string>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -86,11 +88,38 @@ private:
     Descriptor folder;
 };
 
-/// Requests on one connection follow each other, so that each gets its own reply. Connections share
-/// a few locks.
-std::mutex& lockOf(int socket) {
-    static auto* const locks = new std::array<std::mutex, 64>;
-    return (*locks)[static_cast<unsigned>(socket) % locks->size()];
+/// The locks of connections. Requests on one follow each other, so that each gets its own reply;
+/// those on others never wait for it, for a driver may answer the one only after the other. A lock
+/// is kept for the next connection of the same number.
+class ConnectionLocks {
+public:
+    /// \return Null when there is no memory.
+    std::mutex* of(int socket) {
+        const std::lock_guard held(guard);
+        try {
+            return &locks[socket];
+        } catch (const std::bad_alloc&) {
+            return nullptr;
+        }
+    }
+
+private:
+    std::mutex guard;
+    std::map<int, std::mutex> locks;
+};
+
+ConnectionLocks& connectionLocks() {
+    static auto* const locks = new ConnectionLocks; // threads that outlive main may still use them
+    return *locks;
+}
+
+/// Nobody would answer on what is no connection to a driver. \return 0, or −1 with `errno`.
+int checkConnection(int socket) {
+    int type = 0;
+    socklen_t size = sizeof type;
+    if (getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &size) != 0)
+        return -1;
+    return type == SOCK_SEQPACKET ? 0 : failWith(ENOPROTOOPT);
 }
 
 int sendRequest(int socket, const RequestHead& head, const void* value, std::size_t size) {
@@ -126,7 +155,12 @@ int receiveReply(int socket, unsigned sequence, void* value, unsigned* size) {
 int transfer(int socket, Kind kind, unsigned option, void* value, unsigned* size) {
     static std::atomic<std::uint32_t> sequences{0};
     const RequestHead head{kind, option, ++sequences};
-    const std::lock_guard guard(lockOf(socket));
+    if (checkConnection(socket) != 0)
+        return -1;
+    std::mutex* const lock = connectionLocks().of(socket);
+    if (!lock)
+        return failWith(ENOMEM);
+    const std::lock_guard guard(*lock);
     if (sendRequest(socket, head, value, size ? *size : 0) != 0)
         return -1;
     return receiveReply(socket, head.sequence, value, size);

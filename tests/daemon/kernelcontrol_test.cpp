@@ -13,10 +13,14 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <fstream>
+#include <sys/socket.h>
+#include <sys/time.h>
 #include <thread>
 
 using Korvex::Descriptor;
 using Korvex::KernelWire::Kind;
+using Korvex::KernelWire::ReplyHead;
+using Korvex::KernelWire::RequestHead;
 using KxTest::KernelControlHost;
 using KxTest::ScriptedKernelChannel;
 using KxTest::SleeplessClock;
@@ -235,6 +239,23 @@ TEST(KextControl, FailsWithoutAHost) {
     EXPECT_EQ(KextControl(socket.get(), 1, &value, nullptr), -1);
 }
 
+TEST(KextControl, FailsAtOnceOnWhatIsNoConnectionToADriver) {
+    int pair[2] = {-1, -1};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair), 0);
+    const Descriptor one(pair[0]);
+    const Descriptor other(pair[1]);
+    char value = 0;
+    unsigned size = 1;
+    EXPECT_EQ(KextControl(one.get(), 1, &value, &size), -1);
+    EXPECT_EQ(errno, ENOPROTOOPT);
+    EXPECT_EQ(KextCommand(one.get(), 1), -1);
+    EXPECT_FALSE(DeviceIoControl(one.get(), 1, &value, 1, nullptr, 0, nullptr, nullptr));
+    EXPECT_EQ(errno, -1);
+    const Descriptor file(open("/dev/null", O_RDWR | O_CLOEXEC));
+    EXPECT_EQ(KextCommand(file.get(), 1), -1);
+    EXPECT_EQ(errno, ENOTSOCK);
+}
+
 TEST(KextControl, LongTransfersAndTheirLimit) {
     const KernelControlHost host(name, {5}, [](Kind, unsigned, const std::string& request) {
         return Reply{0, request};
@@ -264,6 +285,38 @@ TEST(KextControl, ThreadsOnOneConnectionGetTheirOwnReplies) {
         });
     for (std::thread& thread : threads)
         thread.join();
+}
+
+TEST(KextControl, ConnectionsDoNotWaitForEachOther) {
+    // Many of them, so that none shares anything with the first by its number either.
+    constexpr std::size_t count = 70;
+    std::vector<std::pair<Descriptor, Descriptor>> ends;
+    for (std::size_t i = 0; i < count; ++i) {
+        int pair[2] = {-1, -1};
+        ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, pair), 0);
+        ends.emplace_back(pair[0], pair[1]);
+    }
+    std::vector<std::thread> callers;
+    for (const auto& [client, driver] : ends)
+        callers.emplace_back([&client = client] { EXPECT_EQ(KextCommand(client.get(), 7), 0); });
+    std::vector<RequestHead> requests;
+    for (auto& [client, driver] : ends) {
+        const timeval patience{20, 0};
+        RequestHead request{};
+        setsockopt(driver.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+        if (recv(driver.get(), &request, sizeof request, 0) > 0)
+            requests.push_back(request);
+        else
+            break;
+    }
+    EXPECT_EQ(requests.size(), count) << "all ask before any is answered";
+    for (std::size_t i = 0; i < count; ++i) {
+        const ReplyHead reply{i < requests.size() ? requests[i].sequence : 0, 0};
+        send(ends[i].second.get(), &reply, sizeof reply, MSG_NOSIGNAL);
+        ends[i].second.reset();
+    }
+    for (std::thread& caller : callers)
+        caller.join();
 }
 
 TEST(KextCommand, SendsTheNumberAndFourZeroBytes) {

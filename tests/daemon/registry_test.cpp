@@ -1,5 +1,6 @@
 #include <KxQts/daemon/registry.h>
 
+#include "daemon/moment.h"
 #include "fakes/peer.h"
 #include "fakes/sleeplessclock.h"
 
@@ -11,6 +12,7 @@
 #include <cstring>
 #include <future>
 #include <memory>
+#include <thread>
 
 using KxTest::Connection;
 using KxTest::Peer;
@@ -154,6 +156,20 @@ TEST(CallDaemonRegistrySession, WhatDoesNotArriveOfThePayloadIsZero) {
     EXPECT_EQ(outcome.result, 0);
     ASSERT_NE(outcome.payload, nullptr);
     EXPECT_EQ(std::string(outcome.payload, 8), std::string("half\0\0\0\0", 8));
+}
+
+TEST(CallDaemonRegistrySession, TakesAPayloadThatIsSentBehindTheRecord) {
+    const Peer peer(registryPort, [](Connection& connection) {
+        connection.read(requestSize);
+        connection.write(record(3, 0, 5));
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        connection.write("value");
+        connection.readToEnd();
+    });
+    const KxTest::Moment enough(60'000);
+    const Outcome outcome = call(3);
+    ASSERT_NE(outcome.payload, nullptr);
+    EXPECT_EQ(std::string(outcome.payload, 5), "value");
 }
 
 TEST(CallDaemonRegistrySession, ARecordThatIsTooShortHasNoPayload) {

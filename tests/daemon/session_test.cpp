@@ -1,6 +1,7 @@
 #include <KxQts/daemon/session.h>
 
 #include "daemon/loopback.h"
+#include "daemon/moment.h"
 #include "fakes/peer.h"
 #include "fakes/sleeplessclock.h"
 
@@ -9,18 +10,16 @@
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <future>
 #include <mutex>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <thread>
 
 using KxTest::Connection;
+using KxTest::DeafPeer;
 using KxTest::Peer;
 using KxTest::words;
 
@@ -146,6 +145,18 @@ TEST(DaemonSession, ReadsOnceAndWaitsForNoRest) {
     finished.set_value();
 }
 
+TEST(DaemonSession, TakesAResponseThatIsSentInTwoPieces) {
+    const Peer peer(0, [](Connection& connection) {
+        connection.read(requestHead);
+        connection.write(words({4, 0, 3}));
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        connection.write("xyz");
+        connection.readToEnd();
+    });
+    const KxTest::Moment enough(60'000);
+    EXPECT_EQ(sessionWith(peer, 4), 0);
+}
+
 TEST(DaemonSession, NobodyListening) {
     EXPECT_EQ(daemonSession(freePort(), 4, 1, nullptr, 0, nullptr, 0, nullptr, nullptr), 57);
 }
@@ -156,7 +167,7 @@ TEST(DaemonSession, ASilentDaemonTimesOutAfterOneSecondWhenZeroIsAsked) {
     EXPECT_EQ(daemonSession(peer.port(), 4, 0, nullptr, 0, nullptr, 0, nullptr, nullptr), 101);
     const auto waited = std::chrono::steady_clock::now() - start;
     EXPECT_GE(waited, std::chrono::milliseconds(990));
-    EXPECT_LT(waited, std::chrono::milliseconds(1900));
+    EXPECT_LT(waited, std::chrono::seconds(10));
 }
 
 TEST(DaemonSession, ADaemonThatClosesAtOnceIsNoAnswerInTime) {
@@ -269,27 +280,17 @@ TEST(WDaemonSocket, ReceivesAsMuchAsThereIsRoom) {
 }
 
 TEST(WDaemonSocket, WaitsFourTimesItsTimeForTheConnection) {
-    // A listener that accepts nobody takes the first connection and leaves the others waiting.
-    const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), size), 0);
-    ASSERT_EQ(listen(listener, 0), 0);
-    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
-    const unsigned short port = ntohs(address.sin_port);
+    const DeafPeer peer(0);
     WDaemonSocket first;
     EXPECT_EQ(first.timeout, 2000u);
-    EXPECT_EQ(first.init(port), 0);
+    EXPECT_EQ(first.init(peer.port()), 0);
     WDaemonSocket second;
     second.timeout = 50;
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(second.init(port), 57);
+    EXPECT_EQ(second.init(peer.port()), 57);
     const auto waited = std::chrono::steady_clock::now() - start;
     EXPECT_GE(waited, std::chrono::milliseconds(195));
-    EXPECT_LT(waited, std::chrono::milliseconds(900));
-    ::close(listener);
+    EXPECT_LT(waited, std::chrono::seconds(7)) << "no default";
 }
 
 TEST(WDaemonSocket, ABrokenConnectionIsAnErrorAndNoSignal) {
@@ -313,6 +314,31 @@ TEST(WDaemonSocket, ABrokenConnectionIsAnErrorAndNoSignal) {
         sent = socket.send(1, nullptr, 0, nullptr, 0);
     EXPECT_EQ(sent, -1);
     EXPECT_TRUE(errno == 5 || errno == 57) << errno;
+}
+
+TEST(Loopback, WaitsForTheRestOfWhatHasBegunToArrive) {
+    std::promise<void> goOn;
+    std::promise<void> end;
+    const Peer peer(0, [&](Connection& connection) {
+        connection.write("ab");
+        goOn.get_future().wait();
+        connection.write("cde");
+        end.get_future().wait();
+    });
+    QTcpSocket socket;
+    ASSERT_TRUE(Korvex::Loopback::connect(socket, peer.port(), 10'000));
+    ASSERT_TRUE(Korvex::Loopback::waitForData(socket, 10));
+    Korvex::Loopback::awaitRest(socket, 5);
+    EXPECT_EQ(socket.bytesAvailable(), 2) << "not for long";
+    goOn.set_value();
+    const KxTest::Moment enough(60'000);
+    Korvex::Loopback::awaitRest(socket, 5);
+    EXPECT_EQ(socket.bytesAvailable(), 5);
+    end.set_value();
+    const auto start = std::chrono::steady_clock::now();
+    Korvex::Loopback::awaitRest(socket, 6);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30))
+        << "the end of the connection ends it";
 }
 
 TEST(Loopback, ASocketInUseGetsTimeToBecomeIdle) {

@@ -47,20 +47,37 @@ void Connection::reset() {
     descriptor = -1;
 }
 
-Peer::Peer(unsigned short toListenAt, Script toFollow)
-    : script(std::move(toFollow)), listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+namespace {
+
+/// \param port The one to listen at, or 0. Receives the one that was had.
+int listenAt(unsigned short& port, int waiting) {
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const int on = 1;
     setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_port = htons(toListenAt);
+    address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof address;
     EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), size), 0) << strerror(errno);
-    EXPECT_EQ(listen(listener, 64), 0);
+    EXPECT_EQ(listen(listener, waiting), 0);
     getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
-    usedPort = ntohs(address.sin_port);
+    port = ntohs(address.sin_port);
+    return listener;
+}
+
+} // namespace
+
+Peer::Peer(unsigned short toListenAt, Script toFollow)
+    : script(std::move(toFollow)), usedPort(toListenAt), listener(listenAt(usedPort, 64)) {
     server = std::thread(&Peer::serve, this);
+}
+
+DeafPeer::DeafPeer(unsigned short toListenAt)
+    : usedPort(toListenAt), listener(listenAt(usedPort, 0)) {}
+
+DeafPeer::~DeafPeer() {
+    close(listener);
 }
 
 Peer::~Peer() {

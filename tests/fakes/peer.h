@@ -48,10 +48,26 @@ private:
     void serve();
 
     Script script;
+    unsigned short usedPort;
     int listener;
-    unsigned short usedPort = 0;
     std::atomic<int> count{0};
     std::thread server;
+};
+
+/// A daemon that never looks at its port: one connection comes about, others wait for nothing.
+class DeafPeer {
+public:
+    /// \param toListenAt 0 for any free port.
+    explicit DeafPeer(unsigned short toListenAt);
+    ~DeafPeer();
+    DeafPeer(const DeafPeer&) = delete;
+    DeafPeer& operator=(const DeafPeer&) = delete;
+
+    [[nodiscard]] unsigned short port() const { return usedPort; }
+
+private:
+    unsigned short usedPort;
+    int listener;
 };
 
 /// The bytes of numbers as they travel.

@@ -4,6 +4,7 @@
 #include "platform/systemfacts.h"
 
 #include <atomic>
+#include <cerrno>
 
 namespace KxTest {
 
@@ -29,13 +30,13 @@ public:
 
     std::optional<std::string> kernelRelease() override {
         ++releaseQuestions;
-        return release;
+        return answer(release);
     }
-    std::optional<std::string> productVersion() override { return version; }
-    std::optional<std::string> productBuild() override { return build; }
-    std::optional<std::string> configuredHostName() override { return hostName; }
-    std::optional<std::string> model() override { return machineModel; }
-    std::optional<std::string> serialNumber() override { return serial; }
+    std::optional<std::string> productVersion() override { return answer(version); }
+    std::optional<std::string> productBuild() override { return answer(build); }
+    std::optional<std::string> configuredHostName() override { return answer(hostName); }
+    std::optional<std::string> model() override { return answer(machineModel); }
+    std::optional<std::string> serialNumber() override { return answer(serial); }
     [[nodiscard]] int readSwapEncryption(bool& encrypted) override {
         if (swapError == 0)
             encrypted = swapIsEncrypted;
@@ -43,6 +44,14 @@ public:
     }
 
 private:
+    /// What is not known has been looked for in vain, which leaves its number as with the real
+    /// ones.
+    static std::optional<std::string> answer(const std::optional<std::string>& fact) {
+        if (!fact)
+            errno = ENOENT;
+        return fact;
+    }
+
     Korvex::Replacement<Korvex::SystemFacts> inForce{*this};
 };
 

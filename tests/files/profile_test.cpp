@@ -2,6 +2,8 @@
 #include <KxQts/registry/registry.h>
 #include <KxQts/winapi/profiles.h>
 
+#include "common/memorysearch.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -10,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -193,6 +196,18 @@ TEST_F(Profile, BuffersOfFewerThanThreeCharactersAreNotOverrun) {
         EXPECT_EQ(read(nullptr, nullptr, "", size).result, 0U) << "never below zero";
     EXPECT_EQ(start(read(nullptr, nullptr, "", 3).buffer, 5), bytes("\0#\0\0#", 5));
     EXPECT_EQ(GetPrivateProfileStringA("Main", "Ten", "", nullptr, 10, "app.ini"), 0U);
+}
+
+TEST_F(Profile, TheLibrarysOwn8BitTextIsWiped) {
+    const KxTest::UnwrittenText secret(400);
+    std::array<char, 500> buffer{};
+    std::string byDefault;
+    byDefault.reserve(buffer.size());
+    secret.writeTo(byDefault);
+    EXPECT_EQ(GetPrivateProfileStringA("Main", "Missing", byDefault.c_str(), buffer.data(),
+                                       buffer.size(), "app.ini"),
+              400U);
+    EXPECT_EQ(secret.occurrences(sizeof(char)), 2U) << "the caller's";
 }
 
 TEST_F(Profile, AZeroInTheTextEndsTheCopyNotTheCount) {

@@ -95,6 +95,17 @@ def check_order():
             ("c++20", headers[::-1] + QT, unicode), ("c++20", QT + headers, unicode)])
 
 
+def check_gathered():
+    """KxQts.h includes every header but those under Windows names."""
+    command = compiler("c++20") + [*our_paths, *qt_paths(), "-M", "-"]
+    text = subprocess.run(command, input=source_of(["KxQts/KxQts.h"]), check=True,
+                          capture_output=True, text=True).stdout
+    missing = [header for header in all_headers()
+               if header != "KxQts/KxQts.h" and f"/{header}" not in text]
+    print(f"not gathered: {missing}")
+    sys.exit(1 if missing else 0)
+
+
 def macros_of(language, headers, flags):
     command = compiler(language) + [*our_paths, *flags, "-dM", "-E", "-"]
     text = subprocess.run(command, input=source_of(headers), check=True, capture_output=True,

@@ -67,9 +67,22 @@ static_assert(sizeof(DynModule::state) == 4);
 
 // Records of the daemon's exchanges are the same bytes in both widths: a 32-bit program asks a
 // 64-bit daemon.
-static_assert(sizeof(wdaemon_response) == 1036 && offsetof(wdaemon_response, data) == 12);
+static_assert(sizeof(wdaemon_response) == 1036 && offsetof(wdaemon_response, command) == 0 &&
+              offsetof(wdaemon_response, status) == 4 && offsetof(wdaemon_response, length) == 8 &&
+              offsetof(wdaemon_response, data) == 12);
 static_assert(sizeof(_D_REG_REQUEST) == 2332 && offsetof(_D_REG_REQUEST, body) == 4);
 static_assert(sizeof(_D_REG_RESPONSE) == 28 && offsetof(_D_REG_RESPONSE, body) == 4);
+
+// Behind the pointer to the virtual operations, and the socket.
+static_assert(sizeof(WDaemonSocket) == either<16, 24> &&
+              offsetof(WDaemonSocket, timeout) == either<8, 16> &&
+              offsetof(WDaemonSocket, port) == either<12, 20> && sizeof(WDaemonSocket::port) == 2);
+static_assert(sizeof(ZRDaemonSocket) == either<16, 24> &&
+              offsetof(ZRDaemonSocket, timeout) == either<8, 16> &&
+              offsetof(ZRDaemonSocket, lastError) == either<12, 20>);
+static_assert(sizeof(ZRDaemonRegistrySocket) == either<16, 24> &&
+              offsetof(ZRDaemonRegistrySocket, timeout) == either<8, 16> &&
+              offsetof(ZRDaemonRegistrySocket, lastError) == either<12, 20>);
 
 static_assert(std::is_base_of_v<IRefCounter, infoMessage>);
 static_assert(offsetof(infoMessage, title) == offsetof(infoMessage, refCount) + either<4, 8>);

@@ -313,6 +313,18 @@ TEST_F(Prefs, ProfilesReadTheTypeThatTheyAskFor) {
     EXPECT_EQ(readString, string);
 }
 
+TEST_F(Prefs, ProfileTextsKeepEveryCodeUnit) {
+    WPrefs key(nullptr, nullptr, true);
+    // Marks of a byte order, a surrogate without its other half, and a zero are characters here.
+    for (const int first : {0xFEFF, 0xFFFE, 0xD800, 0}) {
+        const QString text = QChar(first) + QStringLiteral("abc");
+        ASSERT_TRUE(key.setProfileString("s", machine, &text));
+        QString read;
+        EXPECT_TRUE(key.getProfileString("s", machine, read));
+        EXPECT_TRUE(read == text) << first;
+    }
+}
+
 TEST_F(Prefs, NullProfileValuesRemove) {
     WPrefs key(nullptr, nullptr, true);
     for (const char* name : {"s", "i", "b", "x"})

@@ -1,9 +1,9 @@
 #include <KxQts/security/keychain.h>
 #include <KxQts/support/text.h>
 
+#include "common/memorysearch.h"
 #include "common/program.h"
 #include "common/scratchfile.h"
-#include "security/memorysearch.h"
 #include "security/ownworld.h"
 
 #include <gmock/gmock.h>

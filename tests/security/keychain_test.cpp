@@ -1,8 +1,8 @@
 #include <KxQts/winapi/security.h>
 
+#include "common/memorysearch.h"
 #include "fakes/keychains.h"
 #include "platform/keychain/storedkeychain.h"
-#include "security/memorysearch.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "security/passwordverifier.h"
 
+#include "common/memorysearch.h"
 #include "fakes/systemfacts.h"
 #include "modules/emptyfolder.h"
-#include "security/memorysearch.h"
 
 #include <KxQts/security/accounts.h>
 #include <KxQts/winapi/modules.h>

@@ -1,7 +1,7 @@
 #include <KxQts/support/text.h>
 
 #include "common/memory.h"
-#include "security/memorysearch.h"
+#include "common/memorysearch.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 #include <KxQts/system/commandline.h>
 
+#include "common/memorysearch.h"
 #include "fakes/peer.h"
 
 #include <gtest/gtest.h>
@@ -78,6 +79,19 @@ TEST(ExecuteCommandLineTool, InRootModeTheShellsStatusIsReturned) {
         return executeCommandLineTool(QStringLiteral("exit"), {"3"}, output, 0) == 3 * 256 &&
                executeCommandLineTool(QStringLiteral("true"), {}, output, 0) == 0 &&
                output == QLatin1String("untouched");
+    }));
+}
+
+TEST(ExecuteCommandLineTool, InRootModeTheLineForTheShellIsWiped) {
+    EXPECT_TRUE(holdsInAProcess([] {
+        setRootModeFor_executeCommandLineTool();
+        QString output;
+        const KxTest::UnwrittenText secret(400);
+        std::u16string argument;
+        secret.writeTo(argument);
+        executeCommandLineTool(QStringLiteral("true"), {QString::fromStdU16String(argument)},
+                               output, 0);
+        return secret.occurrences(sizeof(char)) == 0;
     }));
 }
 

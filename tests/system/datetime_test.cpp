@@ -4,12 +4,31 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <ctime>
+#include <optional>
+#include <string>
 
 namespace {
 
 /// 2011-03-05 14:07:09, a Saturday.
 constexpr SYSTEMTIME moment{2011, 3, 6, 5, 14, 7, 9, 250};
+
+/// The program's time zone for a scope.
+class TimeZone {
+public:
+    explicit TimeZone(const char* zone) { setenv("TZ", zone, 1); }
+    ~TimeZone() {
+        before ? setenv("TZ", before->c_str(), 1) : unsetenv("TZ");
+        tzset();
+    }
+    TimeZone(const TimeZone&) = delete;
+    TimeZone& operator=(const TimeZone&) = delete;
+
+private:
+    const std::optional<std::string> before =
+        std::getenv("TZ") ? std::optional<std::string>(std::getenv("TZ")) : std::nullopt;
+};
 
 using TypedCall = bool (*)(LCID, DWORD, const SYSTEMTIME*, const QString&, QString&);
 
@@ -85,6 +104,32 @@ TEST(DateTime, WithoutAMomentIsNow) {
         } while (before != clock());
         EXPECT_EQ(told, before);
     }
+}
+
+TEST(DateTime, FollowsTheTimeZoneThatTheProgramSets) {
+    const auto hourIn = [](const char* zone) {
+        const TimeZone ofProgram(zone);
+        return textOf(getTimeFormat, nullptr).left(2).toInt();
+    };
+    const auto hoursAhead = [&](const char* zone) {
+        int ahead = 0;
+        int before = 0;
+        do { // the hour must not change in between
+            before = hourIn("UTC0");
+            ahead = hourIn(zone) - before;
+        } while (before != hourIn("UTC0"));
+        return (ahead + 24) % 24;
+    };
+    EXPECT_EQ(hoursAhead("FIVE-5"), 5);
+    EXPECT_EQ(hoursAhead("WEST3"), 21);
+}
+
+TEST(DateTime, LeavesErrnoAlone) {
+    const TimeZone unknown("No/Such");
+    errno = 77;
+    textOf(getTimeFormat, nullptr);
+    textOf(getDateFormat, &moment);
+    EXPECT_EQ(errno, 77);
 }
 
 TEST(DateTime, TakesNumbersThatNoDateHas) {

@@ -113,6 +113,14 @@ TEST_F(Privileged, ARefusedRightIsPrintedWithoutALineEnd) {
     EXPECT_EQ(run(-60005), "runPrivilegedCommand:status -60005");
     EXPECT_EQ(taken(), (Calls{"create 0", "right 19"})) << "nothing is run";
     EXPECT_EQ(slept(), 0);
+    run(0);
+    EXPECT_EQ(taken(), Calls{"run /bin/tool one two words"}) << "the authorisation is kept";
+}
+
+TEST_F(Privileged, WithoutArgumentsNoneIsPrinted) {
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(runPrivilegedCommand(tool, nullptr), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "----> toolPath=/bin/tool, 0\n");
 }
 
 TEST_F(Privileged, AnAuthorisationThatCannotBeMadeIsPrintedToo) {

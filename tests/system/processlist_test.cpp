@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <memory>
+#include <new>
 
 using KxTest::ScriptedProcessTable;
 
@@ -87,6 +88,19 @@ TEST(ProcessList, NeedsMemory) {
     const Listed processes;
     EXPECT_EQ(processes.error, 12);
     EXPECT_EQ(processes.count, 0u);
+}
+
+TEST(ProcessList, NeedsMemoryForReadingTheTableToo) {
+    class Endless : public ScriptedProcessTable {
+        [[nodiscard]] int read(std::vector<Korvex::ProcessEntry>&) override {
+            throw std::bad_alloc();
+        }
+    };
+    const Endless table;
+    const Listed processes;
+    EXPECT_EQ(processes.error, 12);
+    EXPECT_EQ(processes.count, 0u);
+    EXPECT_EQ(checkApplicationAlreadyRunning("Tool", nullptr, nullptr), 12);
 }
 
 TEST(RunningApplication, IsCountedByAPartOfItsNameInAnyCase) {

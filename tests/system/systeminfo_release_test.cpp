@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <sys/utsname.h>
 
 using KxTest::ScriptedPreferences;
@@ -169,6 +170,15 @@ TEST_F(Stated, NothingAsksTheSystem) {
     facts.build = "20240101";
     EXPECT_TRUE(getProductVersion(version, &build));
     EXPECT_EQ(build, "20240101");
+}
+
+TEST_F(Stated, NothingLeavesErrnoAlone) {
+    errno = 77;
+    EXPECT_FALSE(getProductVersion(version, &build));
+    EXPECT_FALSE(getSystemVersionNumber(minor, patch));
+    EXPECT_FALSE(getOSKernelReleaseString(version));
+    EXPECT_FALSE(isLion());
+    EXPECT_EQ(errno, 77);
 }
 
 TEST_F(Stated, VersionNumberNeedsThreeNumbers) {

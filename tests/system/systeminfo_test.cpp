@@ -1,4 +1,5 @@
 #include "common/objects.h"
+#include "fakes/groups.h"
 #include "fakes/imagelist.h"
 #include "fakes/preferences.h"
 #include "fakes/systemfacts.h"
@@ -141,6 +142,13 @@ TEST(UserName, IsThatOfTheEffectiveUser) {
     EXPECT_EQ(name, account->pw_name);
 }
 
+TEST(UserName, OfAUserWithoutAnAccountIsNone) {
+    const KxTest::FakeGroups nobodyIsKnown;
+    QString name = QStringLiteral("old");
+    EXPECT_FALSE(getUserName(name));
+    EXPECT_EQ(name, "old");
+}
+
 TEST(MachineIdentity, TellsModelAndSerialNumber) {
     ScriptedSystemFacts facts;
     QString text = QStringLiteral("old");
@@ -179,6 +187,18 @@ TEST(MachineIdentity, TellsWhetherSwapIsEncrypted) {
     facts.swapError = EACCES;
     EXPECT_EQ(getSecureVirtualMemoryState(encrypted), EACCES);
     EXPECT_TRUE(encrypted) << "left alone";
+}
+
+TEST(MachineIdentity, QuestionsLeaveErrnoAlone) {
+    const ScriptedPreferences preferences;
+    const ScriptedSystemFacts facts;
+    for (const auto question : {getComputerName, getHostName, getUserName, getModel,
+                                getSerialNumber, getBundlePath, getBundleExecutablePath}) {
+        QString answer;
+        errno = 77;
+        question(answer);
+        EXPECT_EQ(errno, 77) << answer.toStdString();
+    }
 }
 
 TEST(MainBundle, IsTheFolderOfAPlainProgram) {

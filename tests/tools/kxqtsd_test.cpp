@@ -99,7 +99,7 @@ TEST_F(Kxqtsd, ReportsTheStatusInTheClientsMessage) {
     EXPECT_EQ(message, "(status =256)");
 }
 
-TEST_F(Kxqtsd, RefusesOtherCodesAndTextsWithoutEnd) {
+TEST_F(Kxqtsd, RefusesOtherCodesAndTextsThatWereCut) {
     const RunningDaemon daemon;
     for (unsigned code : {0u, 5u, 7u, 0xFFFFFFFFu}) {
         const RawConnection connection(commandPort);
@@ -109,7 +109,15 @@ TEST_F(Kxqtsd, RefusesOtherCodesAndTextsWithoutEnd) {
     const RawConnection connection(commandPort);
     connection.send(commandRequest(6, "touch '" + here("ran") + "' " + std::string(2048, 'x')));
     EXPECT_EQ(connection.readToEnd(), words(6, 22));
+    const auto lineOf = [](const std::string& path, std::size_t size) {
+        const std::string line = "touch '" + path + "' #";
+        return line + std::string(size - line.size(), 'x');
+    };
+    EXPECT_EQ(runThroughDaemon(lineOf(here("ran"), 3000)), 22) << "the library cuts it";
+    EXPECT_EQ(runThroughDaemon(lineOf(here("ran"), 2047)), 22);
     EXPECT_FALSE(fs::exists("ran"));
+    EXPECT_EQ(runThroughDaemon(lineOf(here("longest"), 2046)), 0);
+    EXPECT_TRUE(fs::exists("longest"));
 }
 
 TEST_F(Kxqtsd, GivesCommandsSurroundingsOfTheirOwn) {

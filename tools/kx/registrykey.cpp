@@ -51,8 +51,8 @@ Object stringObject(const QString& text) {
 
 QString textOf(CFTypeRef string) {
     const auto* text = static_cast<CFStringRef>(string);
-    return QString::fromUtf16(reinterpret_cast<const char16_t*>(CFStringGetCharactersPtr(text)),
-                              static_cast<qsizetype>(CFStringGetLength(text)));
+    return QString(reinterpret_cast<const QChar*>(CFStringGetCharactersPtr(text)),
+                   static_cast<qsizetype>(CFStringGetLength(text)));
 }
 
 bool isDictionary(const Object& object) {

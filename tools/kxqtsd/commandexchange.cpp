@@ -40,8 +40,9 @@ std::string CommandExchange::refuse(const std::string& received, unsigned status
 
 std::optional<std::string> commandLineIn(const std::string& request) {
     const std::size_t end = request.find('\0', textOffset);
-    // A text without an end was cut somewhere: part of a command line is another command line.
-    if (codeOf(request) != runCommandLine || end == std::string::npos)
+    // A text that fills its field was cut somewhere, by the library at the last byte but one: part
+    // of a command line is another command line.
+    if (codeOf(request) != runCommandLine || end >= requestSize - 1)
         return std::nullopt;
     return request.substr(textOffset, end - textOffset);
 }

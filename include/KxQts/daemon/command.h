@@ -38,7 +38,7 @@ public:
     /// broke.
     int sendDataToSocket(unsigned cmd, const char* text, const unsigned* params, unsigned count);
 
-    /// Waits for the response and reads once.
+    /// Waits for the response and reads once, a moment (50 ms) after it has begun at the latest.
     /// \param response Room for the echoed command code and the status. A response that is too
     /// short leaves the rest as it was, and is no error.
     /// \param timeoutSeconds 0 stands for 1.
@@ -48,12 +48,13 @@ public:
     /// Disconnects, waiting for at most \ref timeout until everything is sent.
     void closeSocket();
 
+private:
+    std::unique_ptr<QTcpSocket> socket; // the first field, before those that programs set
+
+public:
     unsigned timeout = 2000; ///< Milliseconds; what the waits are counted in
     /// After a failure the `QAbstractSocket::SocketError`, −1 for a socket that was not connected.
     int lastError = -1;
-
-private:
-    std::unique_ptr<QTcpSocket> socket;
 };
 
 } // namespace Korvex
@@ -70,9 +71,9 @@ using Korvex::ZRDaemonSocket;
 /// \param params,count See `ZRDaemonSocket::sendDataToSocket`.
 /// \param message Receives, when given, what went wrong; left alone after a success. One of "socket
 /// locked", "init failed(E)", "sendData failed(E)", "getData failed(E/C)", "(status =S)", where E
-/// is the socket's last error, C the echoed command code and S the status, in decimal. \return The
-/// daemon's status; 30761 when another session takes too long; otherwise as `ZRDaemonSocket`
-/// says. A response that echoes another command code gives 0 with the message "getData failed":
-/// callers rely on it.
+/// is the socket's last error, C the echoed command code and S the status, in decimal.
+/// \return The daemon's status; 30761 when another session takes too long; otherwise as
+/// `ZRDaemonSocket` says. A response that echoes another command code gives 0 with the message
+/// "getData failed": callers rely on it.
 KXQTS_EXPORT int CallDaemonSession(unsigned cmd, unsigned timeoutSeconds, const QString* text,
                                    const unsigned* params, unsigned count, QString* message);

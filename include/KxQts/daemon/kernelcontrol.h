@@ -12,8 +12,10 @@
 ///
 /// Bits 8 and 9 of the unit select one of four slots. The call starts with the caller's slot and
 /// counts up; when all are busy it sleeps for 100 ms and starts again from slot 0, 300 times in
-/// all, so it may take about 30 seconds. \param controlName At most 96 characters count. \param
-/// socket Receives the connection, a descriptor that the caller closes with `close`; −1 on failure.
+/// all, so it may take about 30 seconds.
+/// \param controlName At most 96 characters count.
+/// \param socket Receives the connection, a descriptor that the caller closes with `close`; −1 on
+/// failure.
 /// \return 0 with `errno` 0. 22 for a null name; otherwise what the system gave, which is 2 for a
 /// control or a unit that nobody offers and 16 when all slots stayed busy.
 KXQTS_EXPORT int KextConnect(const char* controlName, unsigned int unit, int& socket);

@@ -60,7 +60,8 @@ public:
     /// broke.
     int sendDataToSocket(const _D_REG_REQUEST& request, const char* payload);
 
-    /// Waits for the response, and reads the record and the payload once each.
+    /// Waits for the response, and reads the record and the payload once each. What is not there
+    /// within a moment (50 ms) is not waited for.
     /// \param response What does not arrive of it is zero.
     /// \param timeoutSeconds 0 stands for 1.
     /// \param payload Receives the payload of a successful response that has one: a buffer of
@@ -73,12 +74,13 @@ public:
     /// Disconnects, waiting for at most \ref timeout until everything is sent.
     void closeSocket();
 
+private:
+    std::unique_ptr<QTcpSocket> socket; // the first field, before those that programs set
+
+public:
     unsigned timeout = 2000; ///< Milliseconds; what the waits are counted in
     /// After a failure the `QAbstractSocket::SocketError`, −1 for a socket that was not connected.
     int lastError = -1;
-
-private:
-    std::unique_ptr<QTcpSocket> socket;
 };
 
 } // namespace Korvex
@@ -92,14 +94,17 @@ using Korvex::ZRDaemonRegistrySocket;
 /// Any thread may call. One registry session at a time, as for \ref CallDaemonSession and
 /// independent of it.
 /// \param response Receives the response; left alone when none came.
-/// \param responsePayload See `ZRDaemonRegistrySocket::getDataFromSocket`; the caller releases
-/// it with `delete[]`. \param requestPayload `request.payloadLength` bytes; may be null. \param
-/// message Receives, when given, what went wrong; left alone after a success. One of
+/// \param timeoutSeconds How long the response is waited for; 0 stands for 1.
+/// \param responsePayload See `ZRDaemonRegistrySocket::getDataFromSocket`; the caller releases it
+/// with `delete[]`.
+/// \param requestPayload `request.payloadLength` bytes; may be null.
+/// \param message Receives, when given, what went wrong; left alone after a success. One of
 /// "ZRDaemonRegistrySocket locked", "init failed(E)", "sendData ZRDaemonRegistrySocket failed(E)",
 /// "getData failed(E/R)", "(status =S)", where E is the socket's last error, R the result of
-/// reading and S the status, in decimal. \return The daemon's status; 30761 when another session
-/// takes too long; otherwise as `ZRDaemonRegistrySocket` says. A response that echoes another
-/// command code gives 0 with the message "getData failed".
+/// reading and S the status, in decimal.
+/// \return The daemon's status; 30761 when another session takes too long; otherwise as
+/// `ZRDaemonRegistrySocket` says. A response that echoes another command code gives 0 with the
+/// message "getData failed".
 KXQTS_EXPORT int CallDaemonRegistrySession(const _D_REG_REQUEST& request, _D_REG_RESPONSE& response,
                                            unsigned timeoutSeconds, char*& responsePayload,
                                            const char* requestPayload, QString* message);

@@ -52,7 +52,8 @@ public:
     virtual int send(unsigned cmd, const unsigned* params, unsigned count,
                      const unsigned char* data, unsigned len);
 
-    /// Waits for the response and reads once; what comes later is not waited for.
+    /// Waits for the response and reads once. What follows within a moment (50 ms) belongs to
+    /// it; what comes later is not waited for.
     /// \param size Room in \a buf, in bytes.
     /// \param timeoutSeconds 0 stands for 1.
     /// \return The count of bytes read. −1 with `errno` 57 when not connected, 101 when nothing
@@ -62,11 +63,12 @@ public:
     /// Disconnects, waiting for at most \ref timeout until everything is sent.
     virtual void close();
 
+private:
+    std::unique_ptr<QTcpSocket> socket; // the first field, before those that programs set
+
+public:
     unsigned timeout = 2000; ///< Milliseconds; what the waits are counted in
     unsigned short port = 0; ///< That of the last successful \ref init
-
-private:
-    std::unique_ptr<QTcpSocket> socket;
 };
 
 } // namespace Korvex

@@ -12,7 +12,8 @@
 ///
 /// The line is the tool and the arguments, joined with single blanks, and a shell reads it: nothing
 /// is quoted nor escaped. Callers do that themselves where a text may hold a blank or another
-/// character that means something to a shell.
+/// character that means something to a shell. A session carries at most 2047 bytes of the line, and
+/// the daemon refuses one that was cut (22).
 /// \param output Never receives the tool's output, only the daemon session's message about a
 /// failure (see \ref CallDaemonSession); left alone on success and in root mode.
 /// \param timeout How long the daemon's answer is waited for, in seconds; 0 stands for 1. Not used

@@ -2,7 +2,8 @@
 /// What this machine and its system are: names, releases, model, dates and times.
 ///
 /// Every question is put to the system anew. Results are false when the system does not tell, and
-/// the output is as it was then unless the call says otherwise. Any thread may ask.
+/// the output is as it was then unless the call says otherwise. `errno` is left alone but by the
+/// calls that return an error number. Any thread may ask.
 #pragma once
 
 #include <KxQts/corefoundation.h>

@@ -11,7 +11,7 @@
 /// size.
 /// \param socket A connection that `KextConnect` made, in place of a device handle.
 /// \param controlCode The driver's option number.
-/// \param inBuffer,inSize The request, at least one byte.
+/// \param inBuffer,inSize The request, at least one byte and at most 131,072.
 /// \param outBuffer,outSize Where the reply is copied to, as far as it fits; without room (null or
 /// 0) the reply stays in the in-buffer and \a bytesReturned is left alone.
 /// \param bytesReturned Receives the count of bytes copied; may be null.

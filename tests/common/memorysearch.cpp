@@ -1,4 +1,4 @@
-#include "security/memorysearch.h"
+#include "common/memorysearch.h"
 
 #include <algorithm>
 #include <cstdio>
