@@ -45,10 +45,10 @@ __attribute__((noreturn)) static inline void ExitProcess(UINT code) {
     exit((int)code);
 }
 
-/// Ends the calling thread. C++ objects of the thread are destroyed. \param code Ignored.
+/// Ends the calling thread. C++ objects of the thread are destroyed. \param code Nobody asks for
+/// it.
 __attribute__((noreturn)) static inline void ExitThread(DWORD code) {
-    (void)code;
-    pthread_exit(NULL);
+    pthread_exit((void*)(uintptr_t)code);
 }
 
 /// The system's number of this process.
@@ -70,13 +70,14 @@ static inline LONG CompareFileTime(const FILETIME* a, const FILETIME* b) {
 static inline UINT GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT number, LPCSTR file) {
     char text[32] = "";
     const DWORD length = GetPrivateProfileStringA(section, key, "", text, sizeof text, file);
-    return length == 0 ? (UINT)number : (UINT)strtol(text, NULL, 10);
+    return length == 0 ? (UINT)number : (UINT)atoll(text);
 }
 /// \copydoc GetPrivateProfileIntA
 static inline UINT GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT number, LPCWSTR file) {
     WCHAR text[32] = {0};
     const DWORD length = GetPrivateProfileStringW(section, key, L"", text, 31, file);
-    return length == 0 ? (UINT)number : (UINT)wcstol(text, NULL, 10);
+    WCHAR* end = text;
+    return length == 0 ? (UINT)number : (UINT)wcstoll(text, &end, 10);
 }
 
 /// \name Texts

@@ -26,8 +26,8 @@ static inline uintptr_t _beginthreadex(void* security, unsigned size, unsigned (
                                    id);
 }
 
-/// Ends the calling thread. C++ objects of the thread are destroyed. \param code Ignored.
+/// Ends the calling thread. C++ objects of the thread are destroyed. \param code Nobody asks for
+/// it.
 __attribute__((noreturn)) static inline void _endthreadex(unsigned code) {
-    (void)code;
-    pthread_exit(NULL);
+    pthread_exit((void*)(uintptr_t)code);
 }

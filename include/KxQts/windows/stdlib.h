@@ -22,6 +22,8 @@
 #define __max(a, b) ((a) > (b) ? (a) : (b))
 #endif
 
+// Sources for several systems have macros of these names for the others: those stay in force.
+#ifndef _putenv_s
 /// Sets an environment variable, or removes it with an empty value.
 /// \return 0, or `errno` as left by `setenv`.
 static inline errno_t _putenv_s(const char* name, const char* value) {
@@ -29,7 +31,9 @@ static inline errno_t _putenv_s(const char* name, const char* value) {
         return EINVAL;
     return (*value ? setenv(name, value, 1) : unsetenv(name)) == 0 ? 0 : errno;
 }
+#endif
 
+#ifndef getenv_s
 /// Copies an environment variable.
 /// \param length Receives its length with the terminator, 0 when there is none. \return 0; 22 for a
 /// null pointer; 34 when it does not fit.
@@ -44,7 +48,9 @@ static inline errno_t getenv_s(size_t* length, char* dst, size_t size, const cha
         strcpy(dst, value ? value : "");
     return 0;
 }
+#endif
 
+#ifndef _dupenv_s
 /// Copies an environment variable into memory of its own, which the caller frees.
 /// \param text Receives null when there is none. \param length As for \ref getenv_s; may be null.
 /// \return 0; 22 for a null pointer; 12 without memory.
@@ -57,3 +63,4 @@ static inline errno_t _dupenv_s(char** text, size_t* length, const char* name) {
         *length = *text ? strlen(*text) + 1 : 0;
     return value && !*text ? ENOMEM : 0;
 }
+#endif
