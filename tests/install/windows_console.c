@@ -103,11 +103,16 @@ static int checkTimes(void) {
 
 /* Text of either kind, which is printed in between by calls that take one kind only. */
 static int checkTexting(const TCHAR* program) {
-    TCHAR text[100], word[20] = _T(""), letter = 0;
+    TCHAR text[100], line[] = _T("a b,c"), word[20] = _T(""), letter = 0;
+    int words = 0;
     __int64 number = 0;
     _stprintf(text, _T("%s|%5s|%c|%d"), _T("text"), _T("r"), _T('c'), 5);
     if (_tcscmp(text, _T("text|    r|c|5")) != 0)
         return failed("a text is put into a text");
+    for (TCHAR* part = _tcstok(line, _T(" ,")); part; part = _tcstok(NULL, _T(" ,")))
+        ++words;
+    if (words != 3 || _tcsinc(text) != text + 1 || _tcsicmp(_T("Ab"), _T("aB")) != 0)
+        return failed("a text is taken apart");
     if (_stscanf(_T("12 word x"), _T("%lld %19s %c"), &number, word, &letter) != 3 ||
         number != 12 || _tcscmp(word, _T("word")) != 0 || letter != _T('x'))
         return failed("a text is scanned");

@@ -102,6 +102,7 @@ typedef KXQTS_T(wchar_t, char) TCHAR, *PTCHAR;
 #define _tcspbrk KXQTS_T(wcspbrk, strpbrk)
 #define _tcsspn KXQTS_T(wcsspn, strspn)
 #define _tcscspn KXQTS_T(wcscspn, strcspn)
+#define _tcstok KXQTS_T(kxqts_wcstok, strtok)
 #define _tcstok_s KXQTS_T(wcstok, strtok_r)
 #define _tcslwr KXQTS_T(_wcslwr, _strlwr)
 #define _tcsupr KXQTS_T(_wcsupr, _strupr)
@@ -111,6 +112,12 @@ typedef KXQTS_T(wchar_t, char) TCHAR, *PTCHAR;
 #define _tcsinc(at) ((at) + 1)
 #define _tcsdec(text, at) ((at) > (text) ? (at)-1 : NULL)
 #define _tcsnextc(at) ((unsigned)*(at))
+
+/// `wcstok` as Windows once had it: each thread's text is kept.
+static inline wchar_t* kxqts_wcstok(wchar_t* text, const wchar_t* separators) {
+    static __thread wchar_t* rest;
+    return wcstok(text, separators, &rest);
+}
 
 // Numbers
 #define _tstoi(text) ((int)_tcstol(text, NULL, 10))

@@ -9,7 +9,7 @@
 #include <KxQts/windows/kxcrt.h>
 #include <errno.h>
 
-typedef time_t __time64_t;
+#define __time64_t time_t
 
 #define _time64 time
 #define _mktime64 mktime
