@@ -54,7 +54,7 @@ static void copySet(struct Formats* formats) {
 
 // What follows on a percent sign.
 static void takeConversion(struct Formats* formats) {
-    copyWhile(formats, L"-+ #0123456789.*'");
+    copyWhile(formats, L"-+ #0123456789.*'$");
     const wchar_t* const start = formats->from;
     wchar_t size = 0;
     if (*start == L'h' || *start == L'l' || *start == L'w')

@@ -48,6 +48,8 @@ static void rest(void) {
     EXPECT(L"100%", L"%d%%", 100);
     EXPECT(L"%s", L"%%s");
     EXPECT(L"plain", L"plain");
+    EXPECT(L"b a", L"%2$s %1$s", L"a", L"b");
+    EXPECT(L"5%", L"%hhd%%", 5);
     EXPECT(L"", L"");
 }
 
