@@ -30,13 +30,15 @@ set_target_properties(
                INSTALL_RPATH_USE_LINK_PATH ON)
 
 # What a source written for Windows needs beside the library: the headers under their Windows names,
-# and a main function where it has wmain.
+# a main function where it has wmain, and printing in wide text. The C library shows what it has beyond
+# standard C only when asked.
 add_library(kxqts_windows INTERFACE)
 add_library(KxQts::Windows ALIAS kxqts_windows)
 set_target_properties(kxqts_windows PROPERTIES EXPORT_NAME Windows)
 target_include_directories(
     kxqts_windows INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include/KxQts/windows>
                             $<INSTALL_INTERFACE:include/KxQts/windows>)
+target_compile_definitions(kxqts_windows INTERFACE _DEFAULT_SOURCE)
 target_link_libraries(kxqts_windows INTERFACE KxQts kxmain)
 
 # Everything that is installed, as one target. Who installs something more adds it here.

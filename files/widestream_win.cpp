@@ -1,5 +1,6 @@
 #include <KxQts/errors.h>
 #include <KxQts/winapi/filesystem.h>
+#include <KxQts/winapi/widestream.h>
 
 #include <array>
 #include <cerrno>

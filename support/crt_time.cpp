@@ -1,5 +1,6 @@
 #include <KxQts/errors.h>
 #include <KxQts/winapi/crt.h>
+#include <KxQts/winapi/types.h>
 
 #include <cerrno>
 #include <ctime>

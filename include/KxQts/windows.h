@@ -28,3 +28,4 @@
 #include <KxQts/winapi/threads.h>
 #include <KxQts/winapi/types.h>
 #include <KxQts/winapi/volumes.h>
+#include <KxQts/winapi/widestream.h>

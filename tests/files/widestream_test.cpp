@@ -1,6 +1,7 @@
 #include "files/folder.h"
 
 #include <KxQts/winapi/filesystem.h>
+#include <KxQts/winapi/widestream.h>
 
 #include <cerrno>
 #include <clocale>

@@ -13,6 +13,7 @@ unset LD_LIBRARY_PATH LIBRARY_PATH CPATH CMAKE_PREFIX_PATH PKG_CONFIG_PATH
 work=$(mktemp -d "${TMPDIR:-/tmp}/kxqts client.XXXXXX")
 trap 'rm -rf -- "$work"' EXIT
 cd -- "$work"
+export HOME=$work KXQTS_ROOT=$work
 
 case $source in
 *.c) language=C compiler=(cc -std=c99) ;;

@@ -16,6 +16,12 @@ QT = ["QtCore/QtCore", "QtNetwork/QtNetwork", "QMessageBox"]
 C_HEADERS = ["windows.h", "export.h", "threadsafety.h", "corefoundation.h", "corefoundation/*.h",
              "winapi/*.h"]
 
+# What the packages define for sources written for Windows.
+windows = ["-D_DEFAULT_SOURCE"]
+# Headers of the system that such sources may have besides.
+SYSTEM = ["sys/types.h", "sys/stat.h", "unistd.h", "pthread.h", "stdio.h", "stdlib.h", "string.h",
+          "time.h", "wchar.h"]
+
 prefix = Path(sys.argv[1])
 include = prefix / "include"
 forwarding = include / "KxQts" / "windows"
@@ -34,7 +40,7 @@ def c_headers():
 
 
 def forwarding_headers():
-    return sorted(str(path.relative_to(forwarding)) for path in forwarding.rglob("*.h"))
+    return sorted(str(path.relative_to(forwarding)) for path in forwarding.rglob("*.[hH]"))
 
 
 def all_headers():
@@ -43,9 +49,9 @@ def all_headers():
 
 
 def compiler(language):
-    if language == "c99":
-        return os.environ.get("CC", "cc").split() + ["-std=c99", "-x", "c"]
-    return os.environ.get("CXX", "c++").split() + ["-std=c++20", "-fPIC", "-x", "c++"]
+    if "++" in language:
+        return os.environ.get("CXX", "c++").split() + [f"-std={language}", "-fPIC", "-x", "c++"]
+    return os.environ.get("CC", "cc").split() + [f"-std={language}", "-x", "c"]
 
 
 def source_of(headers):
@@ -72,12 +78,16 @@ def report(jobs):
 def check_c():
     """Alone and twice, without Qt's paths, in C and in C++, with and without UNICODE."""
     unicode = ["-DUNICODE", "-D_UNICODE"]
-    headers = c_headers() + forwarding_headers()
     jobs = [(language, [header, header], flags)
-            for header in headers for language in ("c99", "c++20") for flags in ([], unicode)]
-    for flags in ([], unicode):
-        jobs.append(("c99", headers, flags))
-        jobs.append(("c99", headers[::-1], flags))
+            for header in c_headers() for language in ("c99", "c++20") for flags in ([], unicode)]
+    jobs += [(language, [header, header], [*windows, *flags]) for header in forwarding_headers()
+             for language in ("c99", "c++20") for flags in ([], unicode)]
+    headers = c_headers() + forwarding_headers()
+    for language in ("c99", "gnu11", "gnu17", "c++17", "c++20", "c++2b"):
+        for flags in (windows, [*windows, *unicode]):
+            jobs.append((language, headers, flags))
+            jobs.append((language, headers[::-1], flags))
+            jobs.append((language, SYSTEM + ["windows.h"] + SYSTEM, flags))
     report(jobs)
 
 
@@ -122,7 +132,7 @@ def check_macros():
                    if symbol[-1] == "A" and symbol[:-1] + "W" in symbols}
     leaked = undecorated & (macros_of("c99", c_headers(), []) |
                             macros_of("c++20", all_headers(), qt_paths()))
-    missing = undecorated - macros_of("c99", ["windows.h"], [])
+    missing = undecorated - macros_of("c99", ["windows.h"], windows)
     print(f"{len(undecorated)} names, {len(leaked)} of them macros: {sorted(leaked)}")
     print(f"{len(missing)} of them unknown to <windows.h>: {sorted(missing)}")
     sys.exit(1 if leaked or missing or not undecorated else 0)

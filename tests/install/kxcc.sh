@@ -89,6 +89,36 @@ chmod +x my-cc my-c++
 CC=./my-cc CXX="./my-c++ option" "$kxcc" main.c answer.cpp -o other && ./other || fail "CC and CXX"
 [[ $(cat used) == $'C\nC++ option\nC++ option' ]] || fail "who was called: $(cat used)"
 
+echo "== a library in the manner of a DLL, loaded at run time"
+cat >plugin.cpp <<'SOURCE'
+#include <windows.h>
+#include <tchar.h>
+#include <stdio.h>
+extern "C" __declspec(dllexport) int WINAPI PluginRun(LPCTSTR name, LPTSTR text, int size) {
+    return _tprintf(_T("%s\n"), name) < 0 ? -1 : _sntprintf(text, size, _T("<%s>"), name);
+}
+BOOL APIENTRY DllMain(HMODULE, DWORD reason, LPVOID) { return reason <= DLL_THREAD_DETACH; }
+SOURCE
+cat >host.cpp <<'SOURCE'
+#include <KxQts/KxQts.h>
+#include <windows.h>
+#include <tchar.h>
+typedef int(WINAPI* PLUGINRUN)(LPCTSTR, LPTSTR, int);
+int main(int, char** argv) {
+    HMODULE module = loadLibrary(argv[1]);
+    const auto run = module ? (PLUGINRUN)(void*)GetProcAddress(module, "PluginRun") : nullptr;
+    TCHAR text[20] = {};
+    return run && run(_T("x"), text, 20) == 3 && text[1] == _T('x') && FreeLibrary(module) ? 0 : 1;
+}
+SOURCE
+for definitions in "" "-DUNICODE -D_UNICODE"; do
+    # shellcheck disable=SC2086
+    "$kxcc" $definitions -Wall -Wextra -Werror -shared plugin.cpp -o plugin.so || fail "-shared"
+    # shellcheck disable=SC2086
+    "$kxcc" $definitions -Wall -Wextra -Werror host.cpp -o host || fail "who loads it"
+    [[ $(./host "$PWD/plugin.so") == x ]] || fail "the library is called"
+done
+
 echo "== failures are told"
 ! "$kxcc" -c missing.c 2>/dev/null || fail "a missing source"
 echo 'int main(' >broken.c

@@ -1,6 +1,7 @@
 #include "support/crt_forms.h"
 
 #include <KxQts/winapi/crt.h>
+#include <KxQts/winapi/types.h>
 
 #include <gtest/gtest.h>
 

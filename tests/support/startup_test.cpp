@@ -105,3 +105,26 @@ TEST_P(WindowsSource, RunsWithWideText) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Startup, WindowsSource, testing::Values("c", "cpp"));
+
+TEST(WideText, IsFormattedAndScannedAsOnWindows) {
+    const ProgramResult result = run("widetext", {});
+    EXPECT_EQ(result.status, status) << result.output;
+}
+
+TEST(WideText, MayBeMixedWithAnyOtherOnAStream) {
+    const std::string text = "grün 5, text!?";
+    EXPECT_EQ(run("wideoutput", {}).output, text + " bytes");
+    EXPECT_EQ(run("wideoutput", {"bytes"}).output, "bytes " + text + " bytes");
+    const ProgramResult result = run("wideoutput", {"bytes"});
+    EXPECT_EQ(result.status, status);
+}
+
+TEST(WideText, KeepsToAStreamThatIsWide) {
+    const ProgramResult result = run("wideoutput", {"wide"}, {{"LC_ALL", "C"}});
+    EXPECT_EQ(result.output, "wide gr?n 5, text!? wide");
+    EXPECT_EQ(result.status, status);
+}
+
+TEST(WideText, HasQuestionMarksForWhatTheUsersLocaleLacks) {
+    EXPECT_EQ(run("wideoutput", {}, {{"LC_ALL", "C"}}).output, "gr?n 5, text!? bytes");
+}

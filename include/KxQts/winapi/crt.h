@@ -12,10 +12,11 @@
 #pragma once
 
 #include <KxQts/export.h>
-#include <KxQts/winapi/types.h>
 
 #include <stddef.h>
-#include <time.h>
+#include <sys/types.h>
+
+struct _SYSTEMTIME; // of <KxQts/winapi/types.h>
 
 typedef int errno_t; ///< 0, or an error number
 
@@ -118,7 +119,7 @@ KXQTS_C_API wchar_t* _wctime(const time_t* timer);
 
 /// Tells the local date and time, to the second: `wMilliseconds` is always 0.
 /// \param lpSystemTime Null is filled with nothing.
-KXQTS_C_API void GetLocalTime(LPSYSTEMTIME lpSystemTime);
+KXQTS_C_API void GetLocalTime(struct _SYSTEMTIME* lpSystemTime);
 
 /// Writes the local date, "month/day/year" with two digits each, and a terminator: 9 characters.
 /// \return \a dst; null when that is null.

@@ -9,9 +9,7 @@
 #include <KxQts/export.h>
 #include <KxQts/winapi/files.h>
 #include <KxQts/winapi/types.h>
-
-#include <stdio.h>
-#include <wchar.h>
+#include <KxQts/winapi/widestream.h>
 
 /// What \ref GetFileAttributesA returns for everything that is not writable and visible.
 #define INVALID_FILE_ATTRIBUTES 0xFFFFFFFFu
@@ -114,15 +112,3 @@ KXQTS_C_API BOOL CreateDirectoryW(LPCWSTR lpPathName, LPSECURITY_ATTRIBUTES lpSe
 KXQTS_C_API BOOL RemoveDirectoryA(LPCSTR lpPathName);
 /// \copydoc RemoveDirectoryA
 KXQTS_C_API BOOL RemoveDirectoryW(LPCWSTR lpPathName);
-
-/// Opens nothing: wide paths are not supported for streams, and callers fall back on other calls.
-/// \return Null with `errno` 22, for every path that is not empty and for null arguments.
-KXQTS_C_API FILE* _wfopen(const wchar_t* path, const wchar_t* mode);
-
-/// Deletes a file as \ref DeleteFileW does.
-/// \return 0, or **1** (not −1) when it was not deleted; `errno` is that of \ref DeleteFileW.
-KXQTS_C_API int _wremove(const wchar_t* path);
-
-/// Moves or renames as \ref MoveFileW does, replacing a file of the new name.
-/// \return 0, or **1** (not −1) on failure; `errno` is that of \ref MoveFileW.
-KXQTS_C_API int _wrename(const wchar_t* oldPath, const wchar_t* newPath);

@@ -12,6 +12,9 @@
 #define INFINITE 0xFFFFFFFFu ///< Wait without a time limit
 
 #define WAIT_OBJECT_0 0u
+#define WAIT_ABANDONED 0x00000080u     ///< Never returned: no mutex knows who had it
+#define WAIT_ABANDONED_0 0x00000080u   ///< Never returned
+#define WAIT_IO_COMPLETION 0x000000C0u ///< Never returned
 #define WAIT_TIMEOUT 258u
 #define WAIT_FAILED 0xFFFFFFFFu
 

@@ -7,6 +7,10 @@
 #include <KxQts/winapi/errors.h>
 #include <KxQts/winapi/types.h>
 
+typedef DWORD ACCESS_MASK;
+typedef ACCESS_MASK REGSAM; ///< Rights to a key, which are ignored
+typedef LONG LSTATUS;       ///< What the registry calls return on Windows
+
 /// \name Predefined keys
 /// Their values are as on Windows with 32 bits, whatever the width of a pointer. Only two have a
 /// store: the current user's, and the machine's. The others are refused, `HKEY_USERS` because it is
@@ -43,6 +47,7 @@
 #define REG_OPENED_EXISTING_KEY 2u ///< Disposition of one that was
 
 #define REG_OPTION_NON_VOLATILE 0u
+#define REG_OPTION_VOLATILE 1u ///< Ignored
 
 #define KEY_QUERY_VALUE 0x0001u
 #define KEY_SET_VALUE 0x0002u
@@ -50,6 +55,8 @@
 #define KEY_ENUMERATE_SUB_KEYS 0x0008u
 #define KEY_NOTIFY 0x0010u
 #define KEY_CREATE_LINK 0x0020u
+#define KEY_WOW64_64KEY 0x0100u
+#define KEY_WOW64_32KEY 0x0200u
 #define KEY_READ 0x20019u
 #define KEY_WRITE 0x20006u
 #define KEY_EXECUTE 0x20019u

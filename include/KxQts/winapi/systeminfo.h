@@ -5,6 +5,26 @@
 #include <KxQts/export.h>
 #include <KxQts/winapi/types.h>
 
+/// Characters of the longest name of a host, the terminator not counted. On Windows there are 15.
+#define MAX_COMPUTERNAME_LENGTH 64
+
+/// \name Locales, and flags of the calls for dates and times
+/// All ignored.
+/// @{
+#define LOCALE_USER_DEFAULT 0x0400u
+#define LOCALE_SYSTEM_DEFAULT 0x0800u
+#define LOCALE_NEUTRAL 0x0000u
+#define LOCALE_INVARIANT 0x007Fu
+#define LOCALE_NOUSEROVERRIDE 0x80000000u
+#define DATE_SHORTDATE 0x00000001u
+#define DATE_LONGDATE 0x00000002u
+#define DATE_USE_ALT_CALENDAR 0x00000004u
+#define TIME_NOMINUTESORSECONDS 0x00000001u
+#define TIME_NOSECONDS 0x00000002u
+#define TIME_NOTIMEMARKER 0x00000004u
+#define TIME_FORCE24HOURFORMAT 0x00000008u
+/// @}
+
 /// Gives the name of this host.
 ///
 /// \param lpBuffer Receives the whole name and a terminating zero. **There is no limit: it must

@@ -85,16 +85,40 @@ typedef DWORD* LPDWORD;
 typedef LONGLONG* PLONGLONG;
 typedef ULONGLONG* PULONGLONG;
 typedef SIZE_T* PSIZE_T;
+typedef INT_PTR* PINT_PTR;
+typedef UINT_PTR* PUINT_PTR;
+typedef LONG_PTR* PLONG_PTR;
+typedef ULONG_PTR* PULONG_PTR;
+typedef DWORD_PTR* PDWORD_PTR;
+typedef INT32* PINT32;
+typedef UINT32* PUINT32;
+typedef INT64* PINT64;
+typedef UINT64* PUINT64;
+typedef LONG64* PLONG64;
+typedef ULONG64* PULONG64;
+typedef DWORD64* PDWORD64;
+typedef DWORDLONG* PDWORDLONG;
+typedef BOOLEAN* PBOOLEAN;
+typedef FLOAT* PFLOAT;
 typedef WCHAR* PWCHAR;
 
 typedef CHAR* PSTR; ///< 8-bit text, ended by a zero byte
 typedef CHAR* LPSTR;
+typedef CHAR* PSZ;
+typedef CHAR* PCH;
+typedef CHAR* LPCH;
 typedef const CHAR* PCSTR;
 typedef const CHAR* LPCSTR;
+typedef const CHAR* PCCH;
+typedef const CHAR* LPCCH;
 typedef WCHAR* PWSTR; ///< Wide text, ended by a 32-bit zero
 typedef WCHAR* LPWSTR;
+typedef WCHAR* PWCH;
+typedef WCHAR* LPWCH;
 typedef const WCHAR* PCWSTR;
 typedef const WCHAR* LPCWSTR;
+typedef const WCHAR* PCWCH;
+typedef const WCHAR* LPCWCH;
 
 /// Handles are one pointer wide. What stands behind one is the library's own affair: hand it back
 /// as it was given, to this library only.
@@ -111,6 +135,9 @@ typedef HKEY* PHKEY;
 typedef void* HKL;
 typedef void* PSID; ///< Accepted where Windows accepts it, and never read
 typedef DWORD LCID; ///< Accepted where Windows accepts it, and ignored
+typedef DWORD LCTYPE;
+typedef WORD LANGID; ///< Accepted where Windows accepts it, and ignored
+typedef WORD ATOM;
 typedef LONG HRESULT;
 
 #define FALSE 0

@@ -2,15 +2,14 @@
 /// What `#include <tchar.h>` finds in a source written for Windows: names that stand for the wide
 /// form of a call when `_UNICODE` is defined, else for its 8-bit form.
 ///
-/// There are names for calls that exist in both forms, here or in the C library. Formats are the C
-/// library's: in a wide format `%s` is an 8-bit text and `%ls` a wide one, and `_stprintf_s`
-/// returns what the call behind it does (0 in the 8-bit form, the length in the wide one, which
-/// also leaves a text behind that was cut off).
+/// There are names for calls that exist in both forms, here or in the C library. Wide formats are
+/// read as on Windows, see `kxwideformat.h`; 8-bit ones are the C library's. `_stprintf_s` returns
+/// what the call behind it does (0 in the 8-bit form, the length in the wide one, which also leaves
+/// a text behind that was cut off).
 #pragma once
 
-#include <KxQts/winapi/crt.h>
-#include <KxQts/winapi/filesystem.h>
-#include <KxQts/windows/kxkeywords.h>
+#include <KxQts/windows/kxcrt.h>
+#include <KxQts/windows/kxwideformat.h>
 
 #include <ctype.h>
 #include <stdio.h>
@@ -18,6 +17,7 @@
 #include <string.h>
 #include <strings.h>
 #include <time.h>
+#include <unistd.h>
 #include <wchar.h>
 #include <wctype.h>
 
@@ -41,36 +41,44 @@ typedef KXQTS_T(wint_t, int) _TINT;
 typedef KXQTS_T(wchar_t, char) TCHAR, *PTCHAR;
 #endif
 
+#define __T(literal) KXQTS_T_LITERAL(literal)
 #define _T(literal) KXQTS_T_LITERAL(literal)
 #define _TEXT(literal) KXQTS_T_LITERAL(literal)
 #define _TEOF KXQTS_T(WEOF, EOF)
 #define _tmain KXQTS_T(wmain, main)
 
 // Printing and scanning
-#define _tprintf KXQTS_T(wprintf, printf)
-#define _ftprintf KXQTS_T(fwprintf, fprintf)
-#define _stprintf_s KXQTS_T(swprintf, sprintf_s)
-#define _sntprintf KXQTS_T(swprintf, snprintf)
-#define _vtprintf KXQTS_T(vwprintf, vprintf)
-#define _vftprintf KXQTS_T(vfwprintf, vfprintf)
-#define _vsntprintf KXQTS_T(vswprintf, vsnprintf)
-#define _tscanf KXQTS_T(wscanf, scanf)
-#define _ftscanf KXQTS_T(fwscanf, fscanf)
-#define _stscanf KXQTS_T(swscanf, sscanf)
+#define _tprintf KXQTS_T(kx_wprintf, printf)
+#define _tprintf_s KXQTS_T(kx_wprintf, printf)
+#define _ftprintf KXQTS_T(kx_fwprintf, fprintf)
+#define _ftprintf_s KXQTS_T(kx_fwprintf, fprintf)
+#define _stprintf KXQTS_T(kx_swprintf_unbounded, sprintf)
+#define _stprintf_s KXQTS_T(kx_swprintf, sprintf_s)
+#define _sntprintf KXQTS_T(kx_swprintf, _snprintf)
+#define _vtprintf KXQTS_T(kx_vwprintf, vprintf)
+#define _vftprintf KXQTS_T(kx_vfwprintf, vfprintf)
+#define _vstprintf KXQTS_T(kx_vswprintf_unbounded, vsprintf)
+#define _vstprintf_s KXQTS_T(kx_vswprintf, vsprintf_s)
+#define _vsntprintf KXQTS_T(kx_vswprintf, _vsnprintf)
+#define _tscanf KXQTS_T(kx_wscanf, scanf)
+#define _ftscanf KXQTS_T(kx_fwscanf, fscanf)
+#define _stscanf KXQTS_T(kx_swscanf, sscanf)
 
 // Characters and lines
 #define _fgettc KXQTS_T(fgetwc, fgetc)
 #define _fgetts KXQTS_T(fgetws, fgets)
-#define _fputtc KXQTS_T(fputwc, fputc)
-#define _fputts KXQTS_T(fputws, fputs)
+#define _fputtc KXQTS_T(kx_fputwc, fputc)
+#define _fputts KXQTS_T(kx_fputws, fputs)
+#define _putts KXQTS_T(_putws, puts)
 #define _gettc KXQTS_T(getwc, getc)
 #define _gettchar KXQTS_T(getwchar, getchar)
-#define _puttc KXQTS_T(putwc, putc)
-#define _puttchar KXQTS_T(putwchar, putchar)
+#define _puttc KXQTS_T(kx_fputwc, putc)
+#define _puttchar(character) _puttc(character, stdout)
 #define _ungettc KXQTS_T(ungetwc, ungetc)
 
 // Texts
 #define _tcslen KXQTS_T(wcslen, strlen)
+#define _tcsclen KXQTS_T(wcslen, strlen)
 #define _tcsnlen KXQTS_T(wcsnlen, strnlen)
 #define _tcscpy KXQTS_T(wcscpy, strcpy)
 #define _tcsncpy KXQTS_T(wcsncpy, strncpy)
@@ -81,8 +89,10 @@ typedef KXQTS_T(wchar_t, char) TCHAR, *PTCHAR;
 #define _tcscat_s KXQTS_T(wcscat_s, strcat_s)
 #define _tcsdup KXQTS_T(wcsdup, strdup)
 #define _tcscmp KXQTS_T(wcscmp, strcmp)
+#define _tccmp(a, b) _tcsncmp(a, b, 1)
 #define _tcsncmp KXQTS_T(wcsncmp, strncmp)
 #define _tcsicmp KXQTS_T(_wcsicmp, strcasecmp)
+#define _tcsncicmp KXQTS_T(wcsncasecmp, strncasecmp)
 #define _tcsnicmp KXQTS_T(wcsncasecmp, strncasecmp)
 #define _tcscoll KXQTS_T(wcscoll, strcoll)
 #define _tcsxfrm KXQTS_T(wcsxfrm, strxfrm)
@@ -92,9 +102,22 @@ typedef KXQTS_T(wchar_t, char) TCHAR, *PTCHAR;
 #define _tcspbrk KXQTS_T(wcspbrk, strpbrk)
 #define _tcsspn KXQTS_T(wcsspn, strspn)
 #define _tcscspn KXQTS_T(wcscspn, strcspn)
+#define _tcstok KXQTS_T(kxqts_wcstok, strtok)
 #define _tcstok_s KXQTS_T(wcstok, strtok_r)
+#define _tcslwr KXQTS_T(_wcslwr, _strlwr)
 #define _tcsupr KXQTS_T(_wcsupr, _strupr)
 #define _tcsupr_s KXQTS_T(_wcsupr_s, _strupr_s)
+
+/// The character behind and the one in front of a place in a text.
+#define _tcsinc(at) ((at) + 1)
+#define _tcsdec(text, at) ((at) > (text) ? (at)-1 : NULL)
+#define _tcsnextc(at) ((unsigned)*(at))
+
+/// `wcstok` as Windows once had it: each thread's text is kept.
+static inline wchar_t* kxqts_wcstok(wchar_t* text, const wchar_t* separators) {
+    static __thread wchar_t* rest;
+    return wcstok(text, separators, &rest);
+}
 
 // Numbers
 #define _tstoi(text) ((int)_tcstol(text, NULL, 10))
@@ -135,6 +158,7 @@ typedef KXQTS_T(wchar_t, char) TCHAR, *PTCHAR;
 #define _tstrtime_s KXQTS_T(_wstrtime_s, _strtime_s)
 
 // Kinds of characters
+#define _istascii(character) ((unsigned)(character) < 0x80u)
 #define _istalnum KXQTS_T(iswalnum, isalnum)
 #define _istalpha KXQTS_T(iswalpha, isalpha)
 #define _istcntrl KXQTS_T(iswcntrl, iscntrl)

@@ -16,6 +16,11 @@
 #define CALLBACK
 #define NTAPI
 #define PASCAL
+#define STDAPICALLTYPE
+#define FORCEINLINE __forceinline
+#define DECLSPEC_NORETURN __attribute__((noreturn))
+#define DECLSPEC_ALIGN(bytes) __attribute__((aligned(bytes)))
+#define UNALIGNED
 #define CONST const
 #define VOID void
 #define FAR
@@ -39,6 +44,10 @@
 #define HIWORD(value) ((WORD)(((DWORD_PTR)(value) >> 16) & 0xFFFFu))
 #define MAKEWORD(low, high) ((WORD)((BYTE)(low) | ((WORD)(BYTE)(high) << 8)))
 #define MAKELONG(low, high) ((LONG)((DWORD)(WORD)(low) | ((DWORD)(WORD)(high) << 16)))
+
+#define MAKEWPARAM(low, high) ((WPARAM)(DWORD)MAKELONG(low, high))
+#define MAKELPARAM(low, high) ((LPARAM)(DWORD)MAKELONG(low, high))
+#define MAKELRESULT(low, high) ((LRESULT)(DWORD)MAKELONG(low, high))
 
 #if !defined(__cplusplus) && !defined(NOMINMAX)
 #ifndef min

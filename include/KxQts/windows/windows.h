@@ -5,10 +5,14 @@
 
 #include <KxQts/windows.h>
 #include <KxQts/windows/kxaliases.h>
+#include <KxQts/windows/kxcriticalsections.h>
+#include <KxQts/windows/kxhelpers.h>
+#include <KxQts/windows/kxinterlocked.h>
 #include <KxQts/windows/winerror.h>
 #include <KxQts/windows/winnt.h>
 
-// Windows has wide text functions in <string.h>; here they are in a header that sources do not
-// name.
+// What the headers of Windows include and sources therefore do not name.
+#include <ctype.h>
 #include <stdarg.h>
+#include <string.h>
 #include <wchar.h>

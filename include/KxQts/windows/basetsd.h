@@ -1,0 +1,5 @@
+/// \file
+/// What `#include <basetsd.h>` finds in a source written for Windows: the integer types.
+#pragma once
+
+#include <KxQts/windows/windef.h>

@@ -1,0 +1,5 @@
+/// \file
+/// What `#include <minwindef.h>` finds in a source written for Windows: the basic types.
+#pragma once
+
+#include <KxQts/windows/windef.h>

@@ -1,0 +1,81 @@
+#define _POSIX_C_SOURCE 200809L
+
+#include "wideformat.h"
+#include "wideoutput.h"
+
+#include <KxQts/windows/kxwideformat.h>
+
+#include <errno.h>
+#include <limits.h>
+#include <stdlib.h>
+
+int kx_vswprintf(wchar_t* dst, size_t size, const wchar_t* format, va_list arguments) {
+    if (!dst || !format || size == 0) {
+        errno = EINVAL;
+        return -1;
+    }
+    wchar_t* const cFormat = kxmain_toCFormat(format);
+    const int length = cFormat ? vswprintf(dst, size, cFormat, arguments) : -1;
+    free(cFormat);
+    if (length < 0)
+        dst[cFormat ? size - 1 : 0] = 0;
+    return length;
+}
+
+int kx_vswprintf_unbounded(wchar_t* dst, const wchar_t* format, va_list arguments) {
+    wchar_t* const cFormat = kxmain_toCFormat(format);
+    const int length = cFormat ? vswprintf(dst, INT_MAX, cFormat, arguments) : -1;
+    free(cFormat);
+    return length;
+}
+
+int kx_vfwprintf(FILE* stream, const wchar_t* format, va_list arguments) {
+    wchar_t* const cFormat = kxmain_toCFormat(format);
+    wchar_t* text = NULL;
+    size_t length = 0;
+    FILE* const memory = cFormat ? open_wmemstream(&text, &length) : NULL;
+    int result = memory ? vfwprintf(memory, cFormat, arguments) : -1;
+    if (memory && fclose(memory) != 0)
+        result = -1;
+    if (result >= 0 && !kxmain_write(text, length, stream))
+        result = -1;
+    free(text);
+    free(cFormat);
+    return result;
+}
+
+int kx_vwprintf(const wchar_t* format, va_list arguments) {
+    return kx_vfwprintf(stdout, format, arguments);
+}
+
+int kx_wprintf(const wchar_t* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const int result = kx_vfwprintf(stdout, format, arguments);
+    va_end(arguments);
+    return result;
+}
+
+int kx_fwprintf(FILE* stream, const wchar_t* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const int result = kx_vfwprintf(stream, format, arguments);
+    va_end(arguments);
+    return result;
+}
+
+int kx_swprintf(wchar_t* dst, size_t size, const wchar_t* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const int result = kx_vswprintf(dst, size, format, arguments);
+    va_end(arguments);
+    return result;
+}
+
+int kx_swprintf_unbounded(wchar_t* dst, const wchar_t* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const int result = kx_vswprintf_unbounded(dst, format, arguments);
+    va_end(arguments);
+    return result;
+}
