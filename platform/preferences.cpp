@@ -4,8 +4,8 @@
 
 namespace Korvex {
 
-std::size_t qHash(const PreferenceDomain& domain, std::size_t seed) {
-    return ::qHash(domain.id, seed) ^ static_cast<std::size_t>(domain.scope);
+std::size_t PreferenceDomainHash::operator()(const PreferenceDomain& domain) const {
+    return qHash(domain.id) ^ static_cast<std::size_t>(domain.scope);
 }
 
 CFTypeRef Preferences::copyValue(const PreferenceDomain& domain, QStringView name) {

@@ -25,7 +25,10 @@ struct PreferenceDomain {
     bool operator==(const PreferenceDomain& other) const = default;
 };
 
-[[nodiscard]] std::size_t qHash(const PreferenceDomain& domain, std::size_t seed = 0);
+/// For the tables of the standard library: Qt's own end the program when they cannot grow.
+struct PreferenceDomainHash {
+    std::size_t operator()(const PreferenceDomain& domain) const;
+};
 
 /// Where preference domains are kept.
 ///

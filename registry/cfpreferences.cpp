@@ -4,11 +4,13 @@
 #include "platform/corefoundation/string.h"
 #include "platform/lock.h"
 #include "platform/preferences.h"
+#include "platform/withoutmemory.h"
 
-#include <QHash>
-
+#include <map>
 #include <memory>
 #include <optional>
+#include <unordered_map>
+#include <utility>
 
 using Korvex::Lock;
 using Korvex::LockGuard;
@@ -36,11 +38,13 @@ constinit const __CFString anyHostString(anyHost.data(), lengthOf(anyHost), fals
 constinit const __CFString currentHostString(currentHost.data(), lengthOf(currentHost), false);
 
 /// Values that were set and not yet written, by name; null removes.
-using Noted = QHash<QString, std::shared_ptr<const void>>;
+using Noted = std::map<QString, std::shared_ptr<const void>>;
 
 struct State {
     Lock lock;
-    QHash<PreferenceDomain, Noted> noted KXQTS_GUARDED_BY(lock);
+    std::unordered_map<PreferenceDomain, Noted, Korvex::PreferenceDomainHash>
+        noted KXQTS_GUARDED_BY(lock);
+    bool isIncomplete KXQTS_GUARDED_BY(lock) = false; // for want of memory; told by what stores
 };
 
 State& state() {
@@ -73,9 +77,10 @@ CFTypeRef copyValue(const std::optional<PreferenceDomain>& domain, CFStringRef k
     const QString name = Korvex::Cf::text(key);
     {
         const LockGuard guard(state().lock);
-        const Noted noted = state().noted.value(*domain);
-        if (const auto found = noted.constFind(name); found != noted.constEnd())
-            return CFRetain(found->get());
+        if (const auto noted = state().noted.find(*domain); noted != state().noted.end()) {
+            if (const auto found = noted->second.find(name); found != noted->second.end())
+                return CFRetain(found->second.get());
+        }
     }
     return systemPreferences().copyValue(*domain, name);
 }
@@ -85,41 +90,61 @@ void note(const std::optional<PreferenceDomain>& domain, CFStringRef key, CFType
         return;
     const LockGuard guard(state().lock);
     const std::shared_ptr<const void> kept(CFRetain(value), Korvex::Cf::Releaser());
-    state().noted[*domain].insert(Korvex::Cf::text(key), kept);
+    state().noted[*domain].insert_or_assign(Korvex::Cf::text(key), kept);
+}
+
+/// Does what has no result to tell of a failure.
+template <class Work>
+void noting(Work work) {
+    const Korvex::ErrorNumberKept untilReturned;
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        const LockGuard guard(state().lock);
+        state().isIncomplete = true;
+    }
+}
+
+bool takeIncompleteness() {
+    const LockGuard guard(state().lock);
+    return std::exchange(state().isIncomplete, false);
 }
 
 Noted takeNoted(const PreferenceDomain& domain) {
     const LockGuard guard(state().lock);
-    return state().noted.take(domain);
+    const auto taken = state().noted.extract(domain);
+    return taken ? std::move(taken.mapped()) : Noted();
 }
 
 bool write(const Noted& noted, Editor& editor) {
-    for (auto value = noted.begin(); value != noted.end(); ++value) {
-        if (!*value)
-            editor.remove(editor.top(), value.key());
-        else if (!editor.set(editor.top(), value.key(), value->get()))
+    for (const auto& [name, value] : noted) {
+        if (!value)
+            editor.remove(editor.top(), name);
+        else if (!editor.set(editor.top(), name, value.get()))
             return false;
     }
     return true;
 }
 
 Boolean synchronize(const std::optional<PreferenceDomain>& domain) {
-    if (!domain)
+    if (!domain || takeIncompleteness())
         return 0;
     const Noted noted = takeNoted(*domain);
-    if (noted.isEmpty())
+    if (noted.empty())
         return systemPreferences().synchronize(*domain) ? 1 : 0;
     return systemPreferences().change(*domain, [&](Editor& editor) { return write(noted, editor); })
                ? 1
                : 0;
 }
 
+/// Throws `std::bad_alloc`: half a list would be taken for the whole one.
 void addNames(const Tree& tree, __CFArray& names) {
     const std::size_t count = tree.count(tree.top());
     for (std::size_t i = 0; i < count; ++i) {
         const CFStringRef name = Korvex::Cf::makeString(tree.entry(tree.top(), i).name);
-        if (name)
-            Korvex::Cf::adopt(names, name);
+        if (!name)
+            throw std::bad_alloc();
+        Korvex::Cf::adopt(names, name);
     }
 }
 
@@ -132,38 +157,44 @@ constinit const CFStringRef kCFPreferencesCurrentHost = &currentHostString;
 
 CFPropertyListRef CFPreferencesCopyValue(CFStringRef key, CFStringRef applicationID,
                                          CFStringRef user, CFStringRef host) {
-    return copyValue(domainOf(applicationID, user, host), key);
+    return Korvex::keepingErrorNumber(
+        nullptr, [&] { return copyValue(domainOf(applicationID, user, host), key); });
 }
 
-CFArrayRef CFPreferencesCopyKeyList(CFStringRef applicationID, CFStringRef user, CFStringRef host) {
+CFArrayRef CFPreferencesCopyKeyList(CFStringRef applicationID, CFStringRef user,
+                                    CFStringRef host) try {
+    const Korvex::ErrorNumberKept untilReturned;
     const std::optional<PreferenceDomain> domain = domainOf(applicationID, user, host);
     if (!domain)
         return nullptr;
     Owned<CFMutableArrayRef> names(Korvex::Cf::makeArray(false));
-    systemPreferences().read(*domain, [&](const Tree& tree) {
-        if (names)
-            addNames(tree, *names.get());
+    const bool isWhole = names && systemPreferences().read(*domain, [&](const Tree& tree) {
+        addNames(tree, *names.get());
     });
-    return CFArrayGetCount(names.get()) > 0 ? names.release() : nullptr;
+    return isWhole && CFArrayGetCount(names.get()) > 0 ? names.release() : nullptr;
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID,
                            CFStringRef user, CFStringRef host) {
-    note(domainOf(applicationID, user, host), key, value);
+    noting([&] { note(domainOf(applicationID, user, host), key, value); });
 }
 
 Boolean CFPreferencesSynchronize(CFStringRef applicationID, CFStringRef user, CFStringRef host) {
-    return synchronize(domainOf(applicationID, user, host));
+    return Korvex::keepingErrorNumber(
+        0, [&] { return synchronize(domainOf(applicationID, user, host)); });
 }
 
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID) {
-    return copyValue(appDomain(applicationID), key);
+    return Korvex::keepingErrorNumber(nullptr,
+                                      [&] { return copyValue(appDomain(applicationID), key); });
 }
 
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {
-    note(appDomain(applicationID), key, value);
+    noting([&] { note(appDomain(applicationID), key, value); });
 }
 
 Boolean CFPreferencesAppSynchronize(CFStringRef applicationID) {
-    return synchronize(appDomain(applicationID));
+    return Korvex::keepingErrorNumber(0, [&] { return synchronize(appDomain(applicationID)); });
 }

@@ -1,4 +1,5 @@
 #include "registry/loginitems.h"
+#include "platform/withoutmemory.h"
 
 #include <KxQts/registry/prefs.h>
 #include <KxQts/system/systeminfo.h>
@@ -123,7 +124,8 @@ Outcome decideOnPrivileged(CFTypeRef list, const Item& item, AutoLaunchedItemAct
 bool checkAddRemoveLoginItem(const QString& appPath, const QString& name, bool& found,
                              AutoLaunchedItemAction action, const unsigned char* iconBytes,
                              unsigned long iconLen, const unsigned char* aliasBytes,
-                             unsigned long aliasLen, bool global) {
+                             unsigned long aliasLen, bool global) try {
+    const ErrorNumberKept untilReturned;
     found = false;
     if (action > AutoLaunchedItemAdd)
         return false;
@@ -136,21 +138,27 @@ bool checkAddRemoveLoginItem(const QString& appPath, const QString& name, bool& 
         (void)addRemoveLionGlobalLoginItem(appPath, name, action, iconBytes, iconLen, aliasBytes,
                                            aliasLen);
     return outcome.result;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool addRemoveLionGlobalLoginItem(const QString& appPath, const QString& name,
                                   AutoLaunchedItemAction action, const unsigned char* iconBytes,
                                   unsigned long iconLen, const unsigned char* aliasBytes,
-                                  unsigned long aliasLen) {
+                                  unsigned long aliasLen) try {
+    const ErrorNumberKept untilReturned;
     if (action > AutoLaunchedItemAdd)
         return false;
     const Item item{appPath, name, dataOf(iconBytes, iconLen), dataOf(aliasBytes, aliasLen)};
     return decide(privileged(),
                   [&](CFTypeRef list) { return decideOnPrivileged(list, item, action); })
         .result;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
-bool removeLoginItem(const QString& appPath) {
+bool removeLoginItem(const QString& appPath) try {
+    const ErrorNumberKept untilReturned;
     const qsizetype slash = appPath.lastIndexOf(QLatin1Char('/'));
     const qsizetype dot = appPath.lastIndexOf(QLatin1Char('.'));
     if (slash < 0 || dot < slash)
@@ -158,6 +166,8 @@ bool removeLoginItem(const QString& appPath) {
     bool found = false;
     return checkAddRemoveLoginItem(appPath, appPath.mid(slash + 1, dot - slash - 1), found,
                                    AutoLaunchedItemRemove, nullptr, 0, nullptr, 0, true);
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 } // namespace Korvex

@@ -3,6 +3,7 @@
 #include "handles/addresses.h"
 #include "platform/corefoundation/object.h"
 #include "platform/preferences.h"
+#include "platform/withoutmemory.h"
 #include "registry/prefs_tree.h"
 
 namespace Korvex {
@@ -63,7 +64,8 @@ WPrefs::~WPrefs() {
     CFRelease(platformId);
 }
 
-bool WPrefs::initialize(const QString& appId, const QString* keyPath, bool anyUser) {
+bool WPrefs::initialize(const QString& appId, const QString* keyPath, bool anyUser) try {
+    const ErrorNumberKept untilReturned;
     const __CFString* made = createCFString(appId);
     if (!made)
         return false;
@@ -79,6 +81,8 @@ bool WPrefs::initialize(const QString& appId, const QString* keyPath, bool anyUs
         existed = findValue(tree, path, true).node != PropertyList::none;
     });
     return synchronized;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 PreferenceDomain WPrefs::domainOf(const __CFString* user) const {
@@ -90,7 +94,8 @@ QString WPrefs::valuePath(const QString& name) const {
 }
 
 const void* WPrefs::getObjectOfType(const QString& ofPath, unsigned long typeId,
-                                    const __CFString* user) {
+                                    const __CFString* user) try {
+    const ErrorNumberKept untilReturned;
     if (!synchronized || !isScope(user))
         return nullptr;
     const bool any = typeId == anyType;
@@ -107,12 +112,16 @@ const void* WPrefs::getObjectOfType(const QString& ofPath, unsigned long typeId,
         return nullptr;
     }
     return value;
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 bool WPrefs::putObject(const QString& toPath, const void* value, const __CFString* user) {
-    return synchronized && !toPath.isEmpty() && isScope(user) &&
-           systemPreferences().change(
-               domainOf(user), [&](Editor& editor) { return putValue(editor, toPath, value); });
+    return keepingErrorNumber(false, [&] {
+        return synchronized && !toPath.isEmpty() && isScope(user) &&
+               systemPreferences().change(
+                   domainOf(user), [&](Editor& editor) { return putValue(editor, toPath, value); });
+    });
 }
 
 /// Removes what a path leads to if it is one of some kinds.
@@ -124,7 +133,8 @@ bool WPrefs::removeIf(const QString& ofPath, unsigned kinds) {
            });
 }
 
-bool WPrefs::enumKey(unsigned index, QString& name, int* type) {
+bool WPrefs::enumKey(unsigned index, QString& name, int* type) try {
+    const ErrorNumberKept untilReturned;
     name.clear();
     if (type)
         *type = 0;
@@ -133,35 +143,45 @@ bool WPrefs::enumKey(unsigned index, QString& name, int* type) {
         return false;
     systemPreferences().read(domainOf(userScope), [&](const Tree& tree) {
         const Tree::Entry entry = tree.entry(findValue(tree, path, true).node, index);
-        found = entry.value != PropertyList::none;
         name = entry.name;
+        found = entry.value != PropertyList::none;
         if (found && type)
             *type = valueTypeCode(tree.kind(entry.value));
     });
     return found;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool WPrefs::deleteKey(const QString& subKey) {
-    return removeIf(path.isEmpty() ? subKey : valuePath(subKey), bit(Kind::Dictionary));
+    return keepingErrorNumber(false, [&] {
+        return removeIf(path.isEmpty() ? subKey : valuePath(subKey), bit(Kind::Dictionary));
+    });
 }
 
 bool WPrefs::deleteValue(const QString& name) {
-    return removeIf(valuePath(name), singleValues);
+    return keepingErrorNumber(false, [&] { return removeIf(valuePath(name), singleValues); });
 }
 
-bool WPrefs::setSyncProperty(const QString& key, const void* value, const __CFString* user) {
+bool WPrefs::setSyncProperty(const QString& key, const void* value, const __CFString* user) try {
+    const ErrorNumberKept untilReturned;
     if (!isScope(user))
         return false;
     Preferences& storage = systemPreferences();
     return value ? storage.setValue(domainOf(user), key, value)
                  : storage.removeValue(domainOf(user), key);
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 const void* WPrefs::getSyncProperty(const QString& key, const __CFString* user) {
-    return isScope(user) ? systemPreferences().copyValue(domainOf(user), key) : nullptr;
+    return keepingErrorNumber(nullptr, [&] {
+        return isScope(user) ? systemPreferences().copyValue(domainOf(user), key) : nullptr;
+    });
 }
 
-bool getPreferencesFilePath(bool localDomain, QString& out) {
+bool getPreferencesFilePath(bool localDomain, QString& out) try {
+    const ErrorNumberKept untilReturned;
     constexpr qsizetype longestPath = 260;
     out.clear();
     const std::optional<QString> folder =
@@ -170,6 +190,8 @@ bool getPreferencesFilePath(bool localDomain, QString& out) {
         return false;
     out = *folder + QLatin1Char('/') + defaultId() + QLatin1String(".plist");
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 } // namespace Korvex

@@ -3,6 +3,7 @@
 #include "handles/addresses.h"
 #include "handles/disposal.h"
 #include "platform/lock.h"
+#include "platform/withoutmemory.h"
 #include "registry/openkey.h"
 
 #include <memory>
@@ -24,18 +25,23 @@ HandleRegistry<WPrefs> WPrefs::sPrefsList;
 
 WPrefs* WPrefs::initKey(const QString& appId, const QString& keyPath, bool openOnly,
                         unsigned* disposition) {
-    return opened(makeHandle<WPrefs>(appId.isEmpty() ? nullptr : &appId, &keyPath, true), openOnly,
-                  disposition);
+    return keepingErrorNumber(nullptr, [&] {
+        return opened(makeHandle<WPrefs>(appId.isEmpty() ? nullptr : &appId, &keyPath, true),
+                      openOnly, disposition);
+    });
 }
 
 WPrefs* WPrefs::initKey(WPrefs* parent, const QString& subKey, bool anyUser, bool openOnly,
-                        unsigned* disposition) {
+                        unsigned* disposition) try {
+    const ErrorNumberKept untilReturned;
     if (!parent)
         return opened(makeHandle<WPrefs>(nullptr, &subKey, anyUser), openOnly, disposition);
     // The slash is there also below the root of a domain, whose keys so have names of their own.
     const QString below = parent->path + QLatin1Char('/') + subKey;
     return opened(makeHandle<WPrefs>(&parent->id, &below, parent->isAnyUser), openOnly,
                   disposition);
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 /// Puts a key that was made onto the list, or frees it.

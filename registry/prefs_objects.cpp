@@ -1,6 +1,7 @@
 #include <KxQts/registry/prefs.h>
 
 #include "platform/corefoundation/object.h"
+#include "platform/withoutmemory.h"
 #include "registry/keypath.h"
 
 // The same paths in objects that are in a program's hands.
@@ -53,20 +54,26 @@ CFMutableDictionaryRef replaceByMutable(CFMutableDictionaryRef in, CFStringRef n
 } // namespace
 
 CFStringRef createCFString(const QString& text) {
-    return CFStringCreateWithCharacters(nullptr, reinterpret_cast<const UniChar*>(text.utf16()),
-                                        static_cast<CFIndex>(text.size()));
+    return keepingErrorNumber(nullptr, [&] {
+        return CFStringCreateWithCharacters(nullptr, reinterpret_cast<const UniChar*>(text.utf16()),
+                                            static_cast<CFIndex>(text.size()));
+    });
 }
 
 const void* getCFDictionaryKeyValue(const __CFDictionary* dictionary, const QString& path,
                                     unsigned long typeId) {
-    return dictionary ? valueIn(dictionary, path, typeId) : nullptr;
+    return keepingErrorNumber(
+        nullptr, [&] { return dictionary ? valueIn(dictionary, path, typeId) : nullptr; });
 }
 
 const void* getCFArrayKeyValue(const __CFArray* array, const QString& path, unsigned long typeId) {
-    return array ? valueIn(array, path, typeId) : nullptr;
+    return keepingErrorNumber(nullptr,
+                              [&] { return array ? valueIn(array, path, typeId) : nullptr; });
 }
 
-bool setCFDictionaryKeyValue(__CFDictionary* dictionary, const QString& path, const void* value) {
+bool setCFDictionaryKeyValue(__CFDictionary* dictionary, const QString& path,
+                             const void* value) try {
+    const ErrorNumberKept untilReturned;
     QStringView left = path;
     while (dictionary) {
         const KeyPath::Split next = KeyPath::split(left);
@@ -83,6 +90,8 @@ bool setCFDictionaryKeyValue(__CFDictionary* dictionary, const QString& path, co
         dictionary = replaceByMutable(dictionary, name.get());
         left = next.rest;
     }
+    return false;
+} catch (const std::bad_alloc&) {
     return false;
 }
 

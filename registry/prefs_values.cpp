@@ -2,6 +2,7 @@
 
 #include "platform/corefoundation/object.h"
 #include "platform/corefoundation/string.h"
+#include "platform/withoutmemory.h"
 
 #include <cstring>
 
@@ -89,26 +90,34 @@ unsigned toRegistry(CFTypeRef object, QByteArray& data) {
 
 } // namespace
 
-bool WPrefs::queryValue(const QString& name, unsigned* type, QByteArray& data) {
+bool WPrefs::queryValue(const QString& name, unsigned* type, QByteArray& data) try {
+    const ErrorNumberKept untilReturned;
     data.clear();
     const Owned<CFTypeRef> value(getObjectOfType(valuePath(name), anyType, userScope));
     const unsigned found = toRegistry(value.get(), data);
     if (found != 0 && type)
         *type = found;
     return found != 0;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool WPrefs::setValue(const QString& name, unsigned type, const QByteArray& data) {
-    const Owned<CFTypeRef> value(objectOf(type, data));
-    return value && putObject(valuePath(name), value.get(), userScope);
+    return keepingErrorNumber(false, [&] {
+        const Owned<CFTypeRef> value(objectOf(type, data));
+        return value && putObject(valuePath(name), value.get(), userScope);
+    });
 }
 
-bool WPrefs::getProfileString(const QString& ofPath, const __CFString* user, QString& out) {
+bool WPrefs::getProfileString(const QString& ofPath, const __CFString* user, QString& out) try {
+    const ErrorNumberKept untilReturned;
     const Owned<CFTypeRef> value(getObjectOfType(ofPath, CFStringGetTypeID(), user));
     if (!Cf::isA(value.get(), Type::String))
         return false;
     out = Cf::text(static_cast<CFStringRef>(value.get()));
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool WPrefs::getProfileInt(const QString& ofPath, const __CFString* user, int& out) {
@@ -125,13 +134,16 @@ bool WPrefs::getProfileBool(const QString& ofPath, const __CFString* user, bool&
     return true;
 }
 
-bool WPrefs::getProfileBinary(const QString& ofPath, const __CFString* user, QByteArray& out) {
+bool WPrefs::getProfileBinary(const QString& ofPath, const __CFString* user, QByteArray& out) try {
+    const ErrorNumberKept untilReturned;
     out.clear();
     const Owned<CFTypeRef> value(getObjectOfType(ofPath, CFDataGetTypeID(), user));
     if (!Cf::isA(value.get(), Type::Data))
         return false;
     out = bytesOf(static_cast<CFDataRef>(value.get()));
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool WPrefs::setProfileString(const QString& toPath, const __CFString* user, const QString* v) {
@@ -140,8 +152,10 @@ bool WPrefs::setProfileString(const QString& toPath, const __CFString* user, con
 }
 
 bool WPrefs::setProfileInt(const QString& toPath, const __CFString* user, int* v) {
-    const Owned<CFNumberRef> value(v ? numberOf(*v) : nullptr);
-    return !v == !value && putObject(toPath, value.get(), user);
+    return keepingErrorNumber(false, [&] {
+        const Owned<CFNumberRef> value(v ? numberOf(*v) : nullptr);
+        return !v == !value && putObject(toPath, value.get(), user);
+    });
 }
 
 bool WPrefs::setProfileBool(const QString& toPath, const __CFString* user, bool* v) {
@@ -150,8 +164,10 @@ bool WPrefs::setProfileBool(const QString& toPath, const __CFString* user, bool*
 }
 
 bool WPrefs::setProfileBinary(const QString& toPath, const __CFString* user, const QByteArray* v) {
-    const Owned<CFDataRef> value(v ? dataOver(*v) : nullptr);
-    return !v == !value && putObject(toPath, value.get(), user);
+    return keepingErrorNumber(false, [&] {
+        const Owned<CFDataRef> value(v ? dataOver(*v) : nullptr);
+        return !v == !value && putObject(toPath, value.get(), user);
+    });
 }
 
 } // namespace Korvex

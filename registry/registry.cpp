@@ -4,10 +4,11 @@
 #include "registry/predefinedkeys.h"
 
 #include "platform/lock.h"
+#include "platform/withoutmemory.h"
 
-#include <QHash>
-
+#include <map>
 #include <memory>
+#include <utility>
 
 using Korvex::OpenKey;
 using Korvex::WPrefs;
@@ -32,7 +33,7 @@ public:
 
 private:
     Korvex::Lock lock;
-    QHash<std::pair<QString, bool>, std::shared_ptr<WPrefs>> keys KXQTS_GUARDED_BY(lock);
+    std::map<std::pair<QString, bool>, std::shared_ptr<WPrefs>> keys KXQTS_GUARDED_BY(lock);
 };
 
 RootKeys& rootKeys() {
@@ -91,37 +92,49 @@ unsigned withKeyOrRoot(const QString& appId, void* hKey, Operation operation) {
 
 unsigned regOpenKeyEx(const QString& appId, void* hKey, const QString& subKey, unsigned, unsigned,
                       void** phkResult) {
-    return openKey(appId, hKey, subKey, true, phkResult, nullptr);
+    return Korvex::keepingErrorNumber(
+        ERROR_BADKEY, [&] { return openKey(appId, hKey, subKey, true, phkResult, nullptr); });
 }
 
 unsigned regCreateKeyEx(const QString& appId, void* hKey, const QString& subKey, unsigned,
                         const QString&, unsigned, unsigned, _SECURITY_ATTRIBUTES*, void** phkResult,
                         unsigned* disposition) {
-    return openKey(appId, hKey, subKey, false, phkResult, disposition);
+    return Korvex::keepingErrorNumber(
+        ERROR_BADKEY, [&] { return openKey(appId, hKey, subKey, false, phkResult, disposition); });
 }
 
 unsigned regQueryValueEx(void* hKey, const QString& name, unsigned*, unsigned* type,
                          QByteArray& data) {
-    const OpenKey key(hKey);
-    return result(key && key->queryValue(name, type, data));
+    return Korvex::keepingErrorNumber(ERROR_BADKEY, [&] {
+        const OpenKey key(hKey);
+        return result(key && key->queryValue(name, type, data));
+    });
 }
 
 unsigned regSetValueEx(void* hKey, const QString& name, unsigned, unsigned type,
                        const QByteArray& data) {
-    const OpenKey key(hKey);
-    return result(key && key->setValue(name, type, data));
+    return Korvex::keepingErrorNumber(ERROR_BADKEY, [&] {
+        const OpenKey key(hKey);
+        return result(key && key->setValue(name, type, data));
+    });
 }
 
 unsigned regDeleteValue(void* hKey, const QString& name) {
-    const OpenKey key(hKey);
-    return result(key && key->deleteValue(name));
+    return Korvex::keepingErrorNumber(ERROR_BADKEY, [&] {
+        const OpenKey key(hKey);
+        return result(key && key->deleteValue(name));
+    });
 }
 
 unsigned regDeleteKey(const QString& appId, void* hKey, const QString& subKey) {
-    return withKeyOrRoot(appId, hKey, [&](WPrefs& key) { return key.deleteKey(subKey); });
+    return Korvex::keepingErrorNumber(ERROR_BADKEY, [&] {
+        return withKeyOrRoot(appId, hKey, [&](WPrefs& key) { return key.deleteKey(subKey); });
+    });
 }
 
 unsigned regEnumKey(const QString& appId, void* hKey, unsigned index, QString& name) {
-    return withKeyOrRoot(appId, hKey,
-                         [&](WPrefs& key) { return key.enumKey(index, name, nullptr); });
+    return Korvex::keepingErrorNumber(ERROR_BADKEY, [&] {
+        return withKeyOrRoot(appId, hKey,
+                             [&](WPrefs& key) { return key.enumKey(index, name, nullptr); });
+    });
 }

@@ -5,9 +5,8 @@
 #include "platform/preferences.h"
 #include "platform/propertylist/document.h"
 
-#include <QHash>
-
 #include <memory>
+#include <unordered_map>
 
 namespace Korvex {
 
@@ -41,7 +40,8 @@ private:
     const PropertyList::Limits limits;
     Lock lock;
     // A domain that was used once is kept: there are never many.
-    QHash<PreferenceDomain, std::shared_ptr<Domain>> domains KXQTS_GUARDED_BY(lock);
+    std::unordered_map<PreferenceDomain, std::shared_ptr<Domain>, PreferenceDomainHash>
+        domains KXQTS_GUARDED_BY(lock);
 };
 
 } // namespace Korvex

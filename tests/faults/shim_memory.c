@@ -1,0 +1,188 @@
+/* Allocations: they are let fail, and those of armed calls are remembered until they are freed. */
+#define _GNU_SOURCE
+#include "shim.h"
+
+#include <dlfcn.h>
+#include <errno.h>
+#include <execinfo.h>
+#include <pthread.h>
+#include <stdint.h>
+#include <string.h>
+
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* block, size_t size);
+void* __libc_memalign(size_t alignment, size_t size);
+void __libc_free(void* block);
+
+enum { places = 1 << 16, depth = 16, skipped = 2, longest_list = 8 };
+
+/* A table of the blocks that are remembered, with open addressing. */
+struct Block {
+    void* address; /* null: none */
+    void* origin[depth];
+};
+
+static struct Block blocks[places];
+static size_t remembered;
+static pthread_mutex_t blocks_lock = PTHREAD_MUTEX_INITIALIZER;
+static const char* exempted[longest_list];
+static _Thread_local int is_inside;
+
+static size_t place_of(const void* address) {
+    return ((uintptr_t)address >> 4) * 2654435761u % places;
+}
+
+static void remember(void* address, void** origin) {
+    pthread_mutex_lock(&blocks_lock);
+    if (remembered < places / 2) {
+        size_t place = place_of(address);
+        while (blocks[place].address)
+            place = (place + 1) % places;
+        blocks[place].address = address;
+        memcpy(blocks[place].origin, origin, sizeof blocks[place].origin);
+        ++remembered;
+    }
+    pthread_mutex_unlock(&blocks_lock);
+}
+
+/* Empties a place; what was pushed on by it moves back, so that a search can end at an empty one.
+ */
+static void empty(size_t place) {
+    size_t next = place;
+    for (;;) {
+        blocks[place].address = NULL;
+        size_t wanted;
+        do {
+            next = (next + 1) % places;
+            if (!blocks[next].address)
+                return;
+            wanted = place_of(blocks[next].address);
+        } while (place <= next ? place < wanted && wanted <= next
+                               : place < wanted || wanted <= next);
+        blocks[place] = blocks[next];
+        place = next;
+    }
+}
+
+static void forget(void* address) {
+    if (!address || __atomic_load_n(&remembered, __ATOMIC_RELAXED) == 0)
+        return;
+    pthread_mutex_lock(&blocks_lock);
+    size_t place = place_of(address);
+    while (blocks[place].address && blocks[place].address != address)
+        place = (place + 1) % places;
+    if (blocks[place].address) {
+        empty(place);
+        --remembered;
+    }
+    pthread_mutex_unlock(&blocks_lock);
+}
+
+size_t kx_blocks(void** origins, size_t room, int forget_them) {
+    size_t count = 0;
+    pthread_mutex_lock(&blocks_lock);
+    for (size_t place = 0; place < places; ++place) {
+        if (blocks[place].address && count++ < room)
+            memcpy(origins + (count - 1) * depth, blocks[place].origin, sizeof blocks->origin);
+    }
+    if (forget_them) {
+        memset(blocks, 0, sizeof blocks);
+        remembered = 0;
+    }
+    pthread_mutex_unlock(&blocks_lock);
+    return count;
+}
+
+void kx_exempt(const char* part_of_name) {
+    for (int i = 0; i < longest_list; ++i) {
+        if (!exempted[i]) {
+            exempted[i] = part_of_name;
+            return;
+        }
+    }
+}
+
+static int is_exempted(void** origin, int count) {
+    for (int i = 0; exempted[0] && i < count; ++i) {
+        Dl_info place;
+        if (!dladdr(origin[i], &place) || !place.dli_sname)
+            continue;
+        for (int name = 0; name < longest_list && exempted[name]; ++name) {
+            if (strstr(place.dli_sname, exempted[name]))
+                return 1;
+        }
+    }
+    return 0;
+}
+
+/* Whether an allocation is to fail. \param origin Receives whence it came when it is counted. */
+static int fails(void** origin, int* counted) {
+    *counted = !is_inside && kx_is_armed_here();
+    if (!*counted)
+        return 0;
+    void* addresses[depth + skipped] = {0};
+    is_inside = 1;
+    const int count = backtrace(addresses, depth + skipped);
+    memcpy(origin, addresses + skipped, sizeof *origin * depth);
+    const int is_passed_over = is_exempted(addresses, count);
+    is_inside = 0;
+    return !is_passed_over && kx_fails(KX_FAULT_MEMORY);
+}
+
+static void* noted(void* block, void** origin, int counted) {
+    if (block && counted)
+        remember(block, origin);
+    return block;
+}
+
+#ifndef KXQTS_FOREIGN_ALLOCATOR
+
+__attribute__((visibility("default"))) void* malloc(size_t size) {
+    void* origin[depth];
+    int counted;
+    return fails(origin, &counted) ? NULL : noted(__libc_malloc(size), origin, counted);
+}
+
+__attribute__((visibility("default"))) void* calloc(size_t count, size_t size) {
+    void* origin[depth];
+    int counted;
+    return fails(origin, &counted) ? NULL : noted(__libc_calloc(count, size), origin, counted);
+}
+
+__attribute__((visibility("default"))) void* realloc(void* block, size_t size) {
+    void* origin[depth];
+    int counted;
+    if (fails(origin, &counted))
+        return NULL;
+    void* larger = __libc_realloc(block, size);
+    if (larger || size == 0)
+        forget(block);
+    return noted(larger, origin, counted);
+}
+
+__attribute__((visibility("default"))) void* aligned_alloc(size_t alignment, size_t size) {
+    void* origin[depth];
+    int counted;
+    return fails(origin, &counted) ? NULL
+                                   : noted(__libc_memalign(alignment, size), origin, counted);
+}
+
+__attribute__((visibility("default"))) void* memalign(size_t alignment, size_t size) {
+    return aligned_alloc(alignment, size);
+}
+
+__attribute__((visibility("default"))) int posix_memalign(void** block, size_t alignment,
+                                                          size_t size) {
+    void* made = aligned_alloc(alignment, size);
+    if (made)
+        *block = made;
+    return made ? 0 : ENOMEM;
+}
+
+__attribute__((visibility("default"))) void free(void* block) {
+    forget(block);
+    __libc_free(block);
+}
+
+#endif
