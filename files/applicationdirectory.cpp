@@ -4,20 +4,24 @@
 
 #include "files/applicationdirectory.h"
 #include "files/mainbundle.h"
+#include "platform/withoutmemory.h"
 
 #include <cstring>
+#include <new>
 
 using Korvex::ApplicationPath;
 using Korvex::Cf::Owned;
 
 namespace Korvex {
 
-bool readApplicationPath(ApplicationPath& path) {
+bool readApplicationPath(ApplicationPath& path) try {
     const Owned<CFURLRef> url = mainBundle();
     const Owned<CFStringRef> text(url ? CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle)
                                       : nullptr);
     return text && CFStringGetCString(text.get(), path.data(), static_cast<CFIndex>(path.size()),
                                       kCFStringEncodingMacRoman);
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool readApplicationDirectory(ApplicationPath& path) {
@@ -38,18 +42,24 @@ bool getApplicationDirectory(char* buffer, unsigned long* length) {
     return true;
 }
 
-bool getApplicationDirectory(QString& path) {
+bool getApplicationDirectory(QString& path) try {
+    const Korvex::ErrorNumberKept untilReturned;
     ApplicationPath found{};
     if (!Korvex::readApplicationDirectory(found))
         return false;
     path = QString::fromLatin1(found.data());
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
-bool getApplicationFullPath(QString& path) {
+bool getApplicationFullPath(QString& path) try {
+    const Korvex::ErrorNumberKept untilReturned;
     ApplicationPath found{};
     if (!Korvex::readApplicationPath(found))
         return false;
     path = QString::fromLatin1(found.data());
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }

@@ -1,5 +1,7 @@
 #include <KxQts/files/attributes.h>
 
+#include "platform/withoutmemory.h"
+
 #include <KxQts/errors.h>
 
 #include <QDateTime>
@@ -61,17 +63,19 @@ WIN32_FILE_ATTRIBUTE_DATA dataOf(const QFileInfo& file, unsigned int attributes)
 } // namespace
 
 unsigned int getFileAttributes(const QString& path) {
-    const int error = errno;
-    const unsigned int attributes = attributesOf(QFileInfo(path));
-    errno = error;
-    return attributes;
+    return Korvex::keepingErrorNumber(INVALID_FILE_ATTRIBUTES, [&] {
+        const int error = errno;
+        const unsigned int attributes = attributesOf(QFileInfo(path));
+        errno = error;
+        return attributes;
+    });
 }
 
 bool getFileAttributesEx(const QString&, _GET_FILEEX_INFO_LEVELS, void*) {
     return false;
 }
 
-int getFileAttributesData(const QString& path, void* data) {
+int getFileAttributesData(const QString& path, void* data) try {
     if (!data) {
         errno = Error::InvalidParameter;
         return FALSE;
@@ -84,13 +88,16 @@ int getFileAttributesData(const QString& path, void* data) {
         *static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(data) = dataOf(file, attributes);
     errno = normal ? Error::None : error;
     return normal ? TRUE : FALSE;
+} catch (const std::bad_alloc&) {
+    errno = Error::NoMemory;
+    return FALSE;
 }
 
 long long unixTimeToWinTime(unsigned int seconds) {
     return static_cast<long long>(seconds * unitsPerSecond);
 }
 
-bool setFileAttributes(const QString& path, unsigned int attributes) {
+bool setFileAttributes(const QString& path, unsigned int attributes) try {
     const bool writable = (attributes & FILE_ATTRIBUTE_NORMAL) != 0;
     if (writable && attributes != FILE_ATTRIBUTE_NORMAL) {
         errno = Error::InvalidParameter;
@@ -103,4 +110,7 @@ bool setFileAttributes(const QString& path, unsigned int attributes) {
         return false;
     errno = Error::NotFound; // callers find it after a success too
     return true;
+} catch (const std::bad_alloc&) {
+    errno = Error::NoMemory;
+    return false;
 }

@@ -1,6 +1,7 @@
 #include <KxQts/files/copymove.h>
 
 #include "files/sibling.h"
+#include "platform/withoutmemory.h"
 
 #include <KxQts/errors.h>
 
@@ -72,7 +73,7 @@ bool moveWithin(const QFileInfo& source, const QFileInfo& target) {
     Korvex::SetAside replaced(target.filePath());
     const bool moved = Korvex::renameOver(source.filePath(), target.filePath());
     if (moved)
-        replaced.drop();
+        (void)replaced.drop();
     return moved;
 }
 
@@ -85,8 +86,7 @@ bool moveAcross(const QFileInfo& source, const QFileInfo& target) {
     Korvex::SetAside original(source.filePath());
     if (!original.isAside() || !Korvex::renameOver(copy.path(), target.filePath()))
         return false;
-    original.drop();
-    return true;
+    return original.drop();
 }
 
 bool moveOnto(const QFileInfo& source, const QFileInfo& target) {
@@ -115,7 +115,7 @@ bool move(const QFileInfo& source, const QFileInfo& target) {
 
 } // namespace
 
-bool copyFile(const QString& from, const QString& to, bool failIfExists) {
+bool copyFile(const QString& from, const QString& to, bool failIfExists) try {
     if (!QFileInfo::exists(from)) {
         errno = Error::NotFound;
         return false;
@@ -129,18 +129,24 @@ bool copyFile(const QString& from, const QString& to, bool failIfExists) {
         replaces ? replaceByCopy(QFileInfo(from), QFileInfo(to)) : QFile::copy(from, to);
     errno = copied ? Error::None : Error::CopyFailed;
     return copied;
+} catch (const std::bad_alloc&) {
+    errno = Error::NoMemory;
+    return false;
 }
 
-bool moveFile(const QString& from, const QString& to) {
+bool moveFile(const QString& from, const QString& to) try {
     const bool exists = QFileInfo::exists(from);
     errno = Error::NotFound;
     if (!exists || !move(QFileInfo(from), QFileInfo(to)))
         return false;
     errno = Error::NotFound; // callers find it after a success too
     return true;
+} catch (const std::bad_alloc&) {
+    errno = Error::NoMemory;
+    return false;
 }
 
-bool deleteFile(const QString& path) {
+bool deleteFile(const QString& path) try {
     if (!QFileInfo::exists(path)) {
         errno = Error::NotFound;
         return false;
@@ -149,4 +155,7 @@ bool deleteFile(const QString& path) {
     if (removed)
         errno = Error::None;
     return removed;
+} catch (const std::bad_alloc&) {
+    errno = Error::NoMemory;
+    return false;
 }

@@ -1,5 +1,7 @@
 #include <KxQts/files/directories.h>
 
+#include "platform/withoutmemory.h"
+
 #include <KxQts/errors.h>
 
 #include <QDir>
@@ -48,16 +50,20 @@ bool inParentOf(const QString& path, Operation operation) {
 } // namespace
 
 bool createDirectory(const QString& path, _SECURITY_ATTRIBUTES*) {
-    return inParentOf(path,
-                      [](const QDir& parent, const QString& name) { return parent.mkdir(name); });
+    return Korvex::withoutMemory(false, [&] {
+        return inParentOf(
+            path, [](const QDir& parent, const QString& name) { return parent.mkdir(name); });
+    });
 }
 
 bool removeDirectory(const QString& path) {
-    return inParentOf(path,
-                      [](const QDir& parent, const QString& name) { return parent.rmdir(name); });
+    return Korvex::withoutMemory(false, [&] {
+        return inParentOf(
+            path, [](const QDir& parent, const QString& name) { return parent.rmdir(name); });
+    });
 }
 
-int isFileOrFolderExist(const QString& path, bool& exists, bool* isFolder) {
+int isFileOrFolderExist(const QString& path, bool& exists, bool* isFolder) try {
     const int error = errno;
     struct stat found {};
     exists = stat(path.toLatin1().constData(), &found) == 0;
@@ -66,4 +72,7 @@ int isFileOrFolderExist(const QString& path, bool& exists, bool* isFolder) {
     if (exists && isFolder)
         *isFolder = S_ISDIR(found.st_mode);
     return status;
+} catch (const std::bad_alloc&) {
+    exists = false;
+    return Error::StatusNoMemory;
 }

@@ -4,7 +4,9 @@
 #include "files/handlefile.h"
 #include "handles/addresses.h"
 #include "handles/disposal.h"
+#include "platform/descriptor.h"
 #include "platform/filesharing.h"
+#include "platform/withoutmemory.h"
 
 #include <KxQts/errors.h>
 
@@ -102,11 +104,11 @@ void addToMode(QFile& file, int bits) {
 
 /// Makes a descriptor the file object's own. \return 0, or the file object's error number.
 int adopt(QFile& file, int descriptor, int flags, int carriedBits) {
-    if (!file.open(descriptor, modeFor(flags), QFileDevice::AutoCloseHandle)) {
-        const int error = file.error();
-        close(descriptor);
-        return error;
-    }
+    // The file object takes the descriptor over when there is nothing left that needs memory.
+    Korvex::Descriptor held(descriptor);
+    if (!file.open(held.get(), modeFor(flags), QFileDevice::AutoCloseHandle))
+        return file.error();
+    (void)held.release();
     addToMode(file, carriedBits);
     return 0;
 }
@@ -143,7 +145,7 @@ long long seekTarget(const QFile& file, long long distance, unsigned int method)
 } // namespace
 
 QFile* createFile(QFile* file, unsigned int access, unsigned int share, _SECURITY_ATTRIBUTES*,
-                  unsigned int disposition, unsigned int flags, void*) {
+                  unsigned int disposition, unsigned int flags, void*) try {
     if (!file) {
         errno = Error::NoMemory;
         return nullptr;
@@ -157,6 +159,9 @@ QFile* createFile(QFile* file, unsigned int access, unsigned int share, _SECURIT
         owned.reset();
     errno = error;
     return owned.release();
+} catch (const std::bad_alloc&) {
+    errno = Error::NoMemory;
+    return nullptr;
 }
 
 QFile* createFile(const QString& path, unsigned int access, unsigned int share,
@@ -166,7 +171,8 @@ QFile* createFile(const QString& path, unsigned int access, unsigned int share,
                       disposition, flags, templateFile);
 }
 
-bool setFilePointer(void* handle, long long distance, long long* newPosition, unsigned int method) {
+bool setFilePointer(void* handle, long long distance, long long* newPosition,
+                    unsigned int method) try {
     QFile* file = Korvex::fileBehind(handle);
     const long long target = file && method <= FILE_END ? seekTarget(*file, distance, method) : -1;
     if (target < 0 || !file->seek(target)) {
@@ -176,4 +182,7 @@ bool setFilePointer(void* handle, long long distance, long long* newPosition, un
     *newPosition = target;
     errno = 0;
     return true;
+} catch (const std::bad_alloc&) {
+    errno = Error::NoMemory;
+    return false;
 }

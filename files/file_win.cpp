@@ -6,6 +6,7 @@
 #include <KxQts/winapi/files.h>
 
 #include "files/filehandle.h"
+#include "platform/withoutmemory.h"
 #include "support/wintext.h"
 
 #include <cerrno>
@@ -24,13 +25,15 @@ BOOL transfer(HANDLE handle, const void* buffer, DWORD count, DWORD* done, Trans
         errno = Error::InvalidArgument;
         return FALSE;
     }
-    const qint64 transferred = run(*file);
-    errno = transferred < 0 ? Error::TransferFailed : 0;
-    if (transferred < 0)
-        return FALSE;
-    if (done)
-        *done = static_cast<DWORD>(transferred);
-    return TRUE;
+    return Korvex::withoutMemory(FALSE, [&] {
+        const qint64 transferred = run(*file);
+        errno = transferred < 0 ? Error::TransferFailed : 0;
+        if (transferred < 0)
+            return FALSE;
+        if (done)
+            *done = static_cast<DWORD>(transferred);
+        return TRUE;
+    });
 }
 
 DWORD lowWord(long long value) {
@@ -46,17 +49,21 @@ DWORD highWord(long long value) {
 HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                    LPSECURITY_ATTRIBUTES lpSecurityAttributes, DWORD dwCreationDisposition,
                    DWORD dwFlagsAndAttributes, HANDLE hTemplateFile) {
-    return createFile(Korvex::windowsText(lpFileName), dwDesiredAccess, dwShareMode,
-                      lpSecurityAttributes, dwCreationDisposition, dwFlagsAndAttributes,
-                      hTemplateFile);
+    return Korvex::withoutMemory(nullptr, [&] {
+        return createFile(Korvex::windowsText(lpFileName), dwDesiredAccess, dwShareMode,
+                          lpSecurityAttributes, dwCreationDisposition, dwFlagsAndAttributes,
+                          hTemplateFile);
+    });
 }
 
 HANDLE CreateFileW(LPCWSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                    LPSECURITY_ATTRIBUTES lpSecurityAttributes, DWORD dwCreationDisposition,
                    DWORD dwFlagsAndAttributes, HANDLE hTemplateFile) {
-    return createFile(Korvex::windowsText(lpFileName), dwDesiredAccess, dwShareMode,
-                      lpSecurityAttributes, dwCreationDisposition, dwFlagsAndAttributes,
-                      hTemplateFile);
+    return Korvex::withoutMemory(nullptr, [&] {
+        return createFile(Korvex::windowsText(lpFileName), dwDesiredAccess, dwShareMode,
+                          lpSecurityAttributes, dwCreationDisposition, dwFlagsAndAttributes,
+                          hTemplateFile);
+    });
 }
 
 BOOL ReadFile(HANDLE hFile, LPVOID lpBuffer, DWORD nNumberOfBytesToRead,
@@ -129,5 +136,5 @@ BOOL FlushFileBuffers(HANDLE hFile) {
         return FALSE;
     }
     errno = 0;
-    return file->flush() ? TRUE : FALSE;
+    return Korvex::withoutMemory(FALSE, [&] { return file->flush() ? TRUE : FALSE; });
 }

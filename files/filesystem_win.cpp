@@ -5,80 +5,98 @@
 #include <KxQts/files/directories.h>
 #include <KxQts/winapi/filesystem.h>
 
+#include "platform/withoutmemory.h"
 #include "support/wintext.h"
 
 using Korvex::windowsText;
 
 DWORD GetFileAttributesA(LPCSTR lpFileName) {
-    return getFileAttributes(windowsText(lpFileName));
+    return Korvex::keepingErrorNumber(INVALID_FILE_ATTRIBUTES,
+                                      [&] { return getFileAttributes(windowsText(lpFileName)); });
 }
 
 DWORD GetFileAttributesW(LPCWSTR lpFileName) {
-    return getFileAttributes(windowsText(lpFileName));
+    return Korvex::keepingErrorNumber(INVALID_FILE_ATTRIBUTES,
+                                      [&] { return getFileAttributes(windowsText(lpFileName)); });
 }
 
 BOOL SetFileAttributesA(LPCSTR lpFileName, DWORD dwFileAttributes) {
-    return setFileAttributes(windowsText(lpFileName), dwFileAttributes);
+    return Korvex::withoutMemory(
+        FALSE, [&] { return setFileAttributes(windowsText(lpFileName), dwFileAttributes); });
 }
 
 BOOL SetFileAttributesW(LPCWSTR lpFileName, DWORD dwFileAttributes) {
-    return setFileAttributes(windowsText(lpFileName), dwFileAttributes);
+    return Korvex::withoutMemory(
+        FALSE, [&] { return setFileAttributes(windowsText(lpFileName), dwFileAttributes); });
 }
 
 BOOL GetFileAttributesExA(LPCSTR lpFileName, GET_FILEEX_INFO_LEVELS, LPVOID lpFileInformation) {
-    return getFileAttributesData(windowsText(lpFileName), lpFileInformation);
+    return Korvex::withoutMemory(
+        FALSE, [&] { return getFileAttributesData(windowsText(lpFileName), lpFileInformation); });
 }
 
 BOOL GetFileAttributesExW(LPCWSTR lpFileName, GET_FILEEX_INFO_LEVELS, LPVOID lpFileInformation) {
-    return getFileAttributesData(windowsText(lpFileName), lpFileInformation);
+    return Korvex::withoutMemory(
+        FALSE, [&] { return getFileAttributesData(windowsText(lpFileName), lpFileInformation); });
 }
 
 BOOL CopyFileA(LPCSTR lpExistingFileName, LPCSTR lpNewFileName, BOOL bFailIfExists) {
-    return copyFile(windowsText(lpExistingFileName), windowsText(lpNewFileName),
-                    bFailIfExists != FALSE);
+    return Korvex::withoutMemory(FALSE, [&] {
+        return copyFile(windowsText(lpExistingFileName), windowsText(lpNewFileName),
+                        bFailIfExists != FALSE);
+    });
 }
 
 BOOL CopyFileW(LPCWSTR lpExistingFileName, LPCWSTR lpNewFileName, BOOL bFailIfExists) {
-    return copyFile(windowsText(lpExistingFileName), windowsText(lpNewFileName),
-                    bFailIfExists != FALSE);
+    return Korvex::withoutMemory(FALSE, [&] {
+        return copyFile(windowsText(lpExistingFileName), windowsText(lpNewFileName),
+                        bFailIfExists != FALSE);
+    });
 }
 
 BOOL MoveFileA(LPCSTR lpExistingFileName, LPCSTR lpNewFileName) {
-    return moveFile(windowsText(lpExistingFileName), windowsText(lpNewFileName));
+    return Korvex::withoutMemory(FALSE, [&] {
+        return moveFile(windowsText(lpExistingFileName), windowsText(lpNewFileName));
+    });
 }
 
 BOOL MoveFileW(LPCWSTR lpExistingFileName, LPCWSTR lpNewFileName) {
-    return moveFile(windowsText(lpExistingFileName), windowsText(lpNewFileName));
+    return Korvex::withoutMemory(FALSE, [&] {
+        return moveFile(windowsText(lpExistingFileName), windowsText(lpNewFileName));
+    });
 }
 
 BOOL DeleteFileA(LPCSTR lpFileName) {
-    return deleteFile(windowsText(lpFileName));
+    return Korvex::withoutMemory(FALSE, [&] { return deleteFile(windowsText(lpFileName)); });
 }
 
 BOOL DeleteFileW(LPCWSTR lpFileName) {
-    return deleteFile(windowsText(lpFileName));
+    return Korvex::withoutMemory(FALSE, [&] { return deleteFile(windowsText(lpFileName)); });
 }
 
 BOOL CreateDirectoryA(LPCSTR lpPathName, LPSECURITY_ATTRIBUTES lpSecurityAttributes) {
-    return createDirectory(windowsText(lpPathName), lpSecurityAttributes);
+    return Korvex::withoutMemory(
+        FALSE, [&] { return createDirectory(windowsText(lpPathName), lpSecurityAttributes); });
 }
 
 BOOL CreateDirectoryW(LPCWSTR lpPathName, LPSECURITY_ATTRIBUTES lpSecurityAttributes) {
-    return createDirectory(windowsText(lpPathName), lpSecurityAttributes);
+    return Korvex::withoutMemory(
+        FALSE, [&] { return createDirectory(windowsText(lpPathName), lpSecurityAttributes); });
 }
 
 BOOL RemoveDirectoryA(LPCSTR lpPathName) {
-    return removeDirectory(windowsText(lpPathName));
+    return Korvex::withoutMemory(FALSE, [&] { return removeDirectory(windowsText(lpPathName)); });
 }
 
 BOOL RemoveDirectoryW(LPCWSTR lpPathName) {
-    return removeDirectory(windowsText(lpPathName));
+    return Korvex::withoutMemory(FALSE, [&] { return removeDirectory(windowsText(lpPathName)); });
 }
 
 int _wremove(const wchar_t* path) {
-    return deleteFile(windowsText(path)) ? 0 : 1;
+    return Korvex::withoutMemory(1, [&] { return deleteFile(windowsText(path)) ? 0 : 1; });
 }
 
 int _wrename(const wchar_t* oldPath, const wchar_t* newPath) {
-    return moveFile(windowsText(oldPath), windowsText(newPath)) ? 0 : 1;
+    return Korvex::withoutMemory(
+        1, [&] { return moveFile(windowsText(oldPath), windowsText(newPath)) ? 0 : 1; });
 }

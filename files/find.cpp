@@ -46,7 +46,9 @@ QStringList namesMatching(const QString& pattern) {
     if (!QRegularExpression::fromWildcard(pattern).isValid())
         return {};
     const QDir folder(QFileInfo(pattern).path());
-    return inListingOrder(folder.entryList({pattern}, QDir::NoFilter, QDir::Unsorted));
+    QStringList patterns;
+    patterns.append(pattern); // a list in braces would take it for granted that there is memory
+    return inListingOrder(folder.entryList(patterns, QDir::NoFilter, QDir::Unsorted));
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <KxQts/winapi/find.h>
 
 #include "files/search.h"
+#include "platform/withoutmemory.h"
 #include "support/wintext.h"
 
 #include <QFile>
@@ -27,19 +28,25 @@ bool stepToNext(Korvex::Search& search) {
 } // namespace
 
 HANDLE FindFirstFileA(LPCSTR lpFileName, LPWIN32_FIND_DATA lpFindFileData) {
-    return findFirstFile(Korvex::windowsText(lpFileName), lpFindFileData);
+    return Korvex::withoutMemory(INVALID_HANDLE_VALUE, [&] {
+        return findFirstFile(Korvex::windowsText(lpFileName), lpFindFileData);
+    });
 }
 
 HANDLE FindFirstFileW(LPCWSTR lpFileName, LPWIN32_FIND_DATA lpFindFileData) {
-    return findFirstFile(Korvex::windowsText(lpFileName), lpFindFileData);
+    return Korvex::withoutMemory(INVALID_HANDLE_VALUE, [&] {
+        return findFirstFile(Korvex::windowsText(lpFileName), lpFindFileData);
+    });
 }
 
 BOOL FindNextFile(HANDLE hFindFile, LPWIN32_FIND_DATA) {
     const int error = errno;
     Korvex::Search* search = Korvex::searchBehind(hFindFile);
-    const bool found = search && stepToNext(*search);
-    errno = found ? error : Error::NotFound;
-    return found ? TRUE : FALSE;
+    return Korvex::withoutMemory(FALSE, [&] {
+        const bool found = search && stepToNext(*search);
+        errno = found ? error : Error::NotFound;
+        return found ? TRUE : FALSE;
+    });
 }
 
 BOOL FindClose(HANDLE hFindFile) {

@@ -2,6 +2,7 @@
 #include <KxQts/files/library.h>
 #include <KxQts/winapi/modules.h>
 
+#include "platform/withoutmemory.h"
 #include "support/wintext.h"
 
 #include <algorithm>
@@ -28,31 +29,37 @@ DWORD moduleFileName(HMODULE module, Character* buffer, DWORD size) {
     QString name;
     if (!buffer || !WLibrary::findLibrary(module, name))
         return 0;
-    const auto text = textOf(name, Character());
-    if (size == 0) {
-        errno = Error::BufferTooSmall;
-        return 0;
-    }
-    const std::size_t stored = std::min<std::size_t>(text.size(), size - 1);
-    text.copy(buffer, stored);
-    buffer[stored] = 0;
-    errno = stored == text.size() ? Error::None : Error::BufferTooSmall;
-    return static_cast<DWORD>(stored);
+    return Korvex::withoutMemory(0, [&]() -> DWORD {
+        const auto text = textOf(name, Character());
+        if (size == 0) {
+            errno = Error::BufferTooSmall;
+            return 0;
+        }
+        const std::size_t stored = std::min<std::size_t>(text.size(), size - 1);
+        text.copy(buffer, stored);
+        buffer[stored] = 0;
+        errno = stored == text.size() ? Error::None : Error::BufferTooSmall;
+        return static_cast<DWORD>(stored);
+    });
 }
 
 } // namespace
 
 HMODULE GetModuleHandleA(LPCSTR name) {
-    return WLibrary::getLibrary(windowsText(name), false);
+    return Korvex::keepingErrorNumber(
+        nullptr, [&] { return WLibrary::getLibrary(windowsText(name), false); });
 }
 
 HMODULE GetModuleHandleW(LPCWSTR name) {
-    return WLibrary::getLibrary(windowsText(name), false);
+    return Korvex::keepingErrorNumber(
+        nullptr, [&] { return WLibrary::getLibrary(windowsText(name), false); });
 }
 
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
-    WLibrary* library = WLibrary::getWLibraryObject(module);
-    return library && name ? reinterpret_cast<FARPROC>(library->resolve(name)) : nullptr;
+    return Korvex::keepingErrorNumber(nullptr, [&] {
+        WLibrary* library = WLibrary::getWLibraryObject(module);
+        return library && name ? reinterpret_cast<FARPROC>(library->resolve(name)) : nullptr;
+    });
 }
 
 BOOL FreeLibrary(HMODULE module) {

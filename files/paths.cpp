@@ -8,6 +8,8 @@
 
 #include <QFileInfo>
 
+#include <new>
+
 namespace {
 
 void append(QString& path, const QString& part, QChar separator) {
@@ -41,17 +43,24 @@ QString cutAtLast(QString& text, QChar separator, const QString& otherwise) {
 
 } // namespace
 
+// There is no result to tell of want of memory: the path is then the empty one, which leads
+// nowhere, and not a part of what was asked for.
 QString& makePath(QString& path, const QString& drive, const QString& dir, const QString& fname,
                   const QString& ext) {
-    if (!drive.isEmpty())
-        path = drive;
-    append(path, dir, QLatin1Char('/'));
-    append(path, fname, QLatin1Char('/'));
-    append(path, ext, QLatin1Char('.'));
+    try {
+        if (!drive.isEmpty())
+            path = drive;
+        append(path, dir, QLatin1Char('/'));
+        append(path, fname, QLatin1Char('/'));
+        append(path, ext, QLatin1Char('.'));
+    } catch (const std::bad_alloc&) {
+        path = QString();
+    }
     return path;
 }
 
-void splitPath(const QString& path, QString& drive, QString& dir, QString& fname, QString& ext) {
+void splitPath(const QString& path, QString& drive, QString& dir, QString& fname,
+               QString& ext) try {
     const Korvex::ErrorNumberKept untilDone;
     QString rest = path;
     drive.clear();
@@ -62,13 +71,18 @@ void splitPath(const QString& path, QString& drive, QString& dir, QString& fname
     const bool isName = !rest.contains(QLatin1Char('/'));
     fname = cutAtLast(rest, QLatin1Char('/'), rest);
     dir = isName ? QString() : rest;
+} catch (const std::bad_alloc&) {
+    // As above: all parts or none.
+    drive = dir = fname = ext = QString();
 }
 
-unsigned int getShortPathname(const QString& longPath, QString&, unsigned int maxLength) {
+unsigned int getShortPathname(const QString& longPath, QString&, unsigned int maxLength) try {
     const Korvex::ErrorNumberKept untilDone;
     const QFileInfo info(longPath);
     if (!info.exists())
         return 0;
     const QString text = info.filePath() + QLatin1Char('/') + info.fileName();
     return static_cast<unsigned int>(text.right(static_cast<int>(maxLength)).size());
+} catch (const std::bad_alloc&) {
+    return 0;
 }

@@ -4,14 +4,19 @@
 #include <KxQts/files/paths.h>
 #include <KxQts/winapi/paths.h>
 
+#include "platform/withoutmemory.h"
 #include "support/wintext.h"
 
 DWORD GetShortPathNameA(LPCSTR longPath, LPSTR, DWORD size) {
-    QString unchanged;
-    return getShortPathname(Korvex::windowsText(longPath), unchanged, size);
+    return Korvex::keepingErrorNumber(0, [&] {
+        QString unchanged;
+        return getShortPathname(Korvex::windowsText(longPath), unchanged, size);
+    });
 }
 
 DWORD GetShortPathNameW(LPCWSTR longPath, LPWSTR, DWORD size) {
-    QString unchanged;
-    return getShortPathname(Korvex::windowsText(longPath), unchanged, size);
+    return Korvex::keepingErrorNumber(0, [&] {
+        QString unchanged;
+        return getShortPathname(Korvex::windowsText(longPath), unchanged, size);
+    });
 }

@@ -1,5 +1,7 @@
 #include <KxQts/files/profile.h>
 
+#include "platform/withoutmemory.h"
+
 #include <KxQts/registry/registry.h>
 
 #include <QFileInfo>
@@ -93,16 +95,20 @@ unsigned write(const QString& appId, const QString& section, const QString& name
 } // namespace
 
 int getPrivateProfileString(const QString& appId, const QString& section, const QString& key,
-                            const QString& defaultValue, QString& result, const QString& fileName) {
+                            const QString& defaultValue, QString& result,
+                            const QString& fileName) try {
     QString found;
     const bool missing = read(appId, section, key, found, fileName) != ERROR_SUCCESS;
     // A default is taken as it stands.
     result = missing ? defaultValue : found.trimmed();
     return static_cast<int>(result.size());
+} catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    return 0;
 }
 
 bool writePrivateProfileString(const QString& appId, const QString& section, const QString& key,
-                               const QString& value, const QString& fileName) {
+                               const QString& value, const QString& fileName) try {
     // Programs ask so for a cache to be written; there is none, and nothing is to be removed.
     if (section.isEmpty() && key.isEmpty())
         return true;
@@ -110,4 +116,7 @@ bool writePrivateProfileString(const QString& appId, const QString& section, con
     if (error != ERROR_SUCCESS)
         errno = static_cast<int>(error);
     return error == ERROR_SUCCESS;
+} catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    return false;
 }

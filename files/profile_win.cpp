@@ -2,6 +2,7 @@
 #include <KxQts/support/text.h>
 #include <KxQts/winapi/profiles.h>
 
+#include "platform/withoutmemory.h"
 #include "support/wintext.h"
 
 #include <algorithm>
@@ -62,37 +63,47 @@ DWORD store(const QString& text, wchar_t* buffer, const Room& room) {
 } // namespace
 
 DWORD GetPrivateProfileStringA(LPCSTR lpAppName, LPCSTR lpKeyName, LPCSTR lpDefault,
-                               LPSTR lpReturnedString, DWORD nSize, LPCSTR lpFileName) {
+                               LPSTR lpReturnedString, DWORD nSize, LPCSTR lpFileName) try {
     QString result;
     getPrivateProfileString(QString(), windowsText(lpAppName), windowsText(lpKeyName),
                             windowsText(lpDefault), result, windowsText(lpFileName));
     if (result.isEmpty() || !lpReturnedString)
         return 0;
     return store(result, lpReturnedString, {nSize, !lpAppName || !lpKeyName});
+} catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    return 0;
 }
 
 DWORD GetPrivateProfileStringW(LPCWSTR lpAppName, LPCWSTR lpKeyName, LPCWSTR lpDefault,
-                               LPWSTR lpReturnedString, DWORD nSize, LPCWSTR lpFileName) {
+                               LPWSTR lpReturnedString, DWORD nSize, LPCWSTR lpFileName) try {
     QString result;
     getPrivateProfileString(QString(), windowsText(lpAppName), windowsText(lpKeyName),
                             windowsText(lpDefault), result, windowsText(lpFileName));
     if (result.isEmpty() || !lpReturnedString)
         return 0;
     return store(result, lpReturnedString, {nSize, !lpAppName || !lpKeyName});
+} catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    return 0;
 }
 
 BOOL WritePrivateProfileStringA(LPCSTR lpAppName, LPCSTR lpKeyName, LPCSTR lpString,
                                 LPCSTR lpFileName) {
-    return writePrivateProfileString(QString(), windowsText(lpAppName), windowsText(lpKeyName),
-                                     windowsText(lpString), windowsText(lpFileName))
-               ? TRUE
-               : FALSE;
+    return Korvex::withoutMemory(FALSE, [&] {
+        return writePrivateProfileString(QString(), windowsText(lpAppName), windowsText(lpKeyName),
+                                         windowsText(lpString), windowsText(lpFileName))
+                   ? TRUE
+                   : FALSE;
+    });
 }
 
 BOOL WritePrivateProfileStringW(LPCWSTR lpAppName, LPCWSTR lpKeyName, LPCWSTR lpString,
                                 LPCWSTR lpFileName) {
-    return writePrivateProfileString(QString(), windowsText(lpAppName), windowsText(lpKeyName),
-                                     windowsText(lpString), windowsText(lpFileName))
-               ? TRUE
-               : FALSE;
+    return Korvex::withoutMemory(FALSE, [&] {
+        return writePrivateProfileString(QString(), windowsText(lpAppName), windowsText(lpKeyName),
+                                         windowsText(lpString), windowsText(lpFileName))
+                   ? TRUE
+                   : FALSE;
+    });
 }

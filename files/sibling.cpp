@@ -54,12 +54,10 @@ SetAside::~SetAside() {
     errno = error;
 }
 
-void SetAside::drop() {
-    const int error = errno;
+bool SetAside::drop() {
     if (aside)
-        std::remove(refuge.constData());
-    aside = false;
-    errno = error;
+        aside = std::remove(refuge.constData()) != 0;
+    return !aside;
 }
 
 } // namespace Korvex

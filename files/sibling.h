@@ -32,7 +32,7 @@ private:
 };
 
 /// Moves a file out of the way for a while. It comes back at the end of the scope, unless it was
-/// dropped, which removes it. Both leave `errno` alone.
+/// dropped, which removes it. Both leave `errno` alone when they succeed.
 class SetAside {
 public:
     explicit SetAside(const QString& file);
@@ -42,7 +42,8 @@ public:
     SetAside& operator=(const SetAside&) = delete;
 
     [[nodiscard]] bool isAside() const { return aside; }
-    void drop();
+    /// \return Whether it is removed; it comes back all the same where it could not be.
+    bool drop();
 
 private:
     const QByteArray place;

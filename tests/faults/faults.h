@@ -70,7 +70,7 @@ struct KxFaults {
     int (*origin)(void** addresses, int room);
 
     /** Has allocations not counted that are made by a function whose name, as exported, contains
-     * this. */
+     * this. Null: all are counted again. */
     void (*exempt)(const char* part_of_name);
 
     /** The blocks that were allocated while a fault was armed and are there still; forgets them

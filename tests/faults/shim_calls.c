@@ -81,6 +81,10 @@ TRANSFER(WRITE, pwrite, (int file, const void* bytes, size_t count, ShortOffset 
          (file, bytes, count, place))
 TRANSFER(WRITE, pwrite64, (int file, const void* bytes, size_t count, LongOffset place),
          (file, bytes, count, place))
+TRANSFER(WRITE, sendfile, (int to, int from, void* place, size_t count), (to, from, place, count))
+TRANSFER(WRITE, copy_file_range,
+         (int from, void* place, int to, void* other, size_t count, unsigned flags),
+         (from, place, to, other, count, flags))
 CALL(SEEK, -1, ShortOffset, lseek, (int file, ShortOffset place, int from), (file, place, from))
 CALL(SEEK, -1, LongOffset, lseek64, (int file, LongOffset place, int from), (file, place, from))
 CALL(TRUNCATE, -1, int, ftruncate, (int file, ShortOffset size), (file, size))

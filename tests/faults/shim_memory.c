@@ -95,6 +95,8 @@ size_t kx_blocks(void** origins, size_t room, int forget_them) {
 }
 
 void kx_exempt(const char* part_of_name) {
+    if (!part_of_name)
+        memset(exempted, 0, sizeof exempted);
     for (int i = 0; i < longest_list; ++i) {
         if (!exempted[i]) {
             exempted[i] = part_of_name;
