@@ -19,6 +19,10 @@ class ChildCollector {
 public:
     static ChildCollector& instance();
 
+    /// Sees to it that so many processes can be taken over without memory being asked for: closing
+    /// a handle cannot fail. Throws `std::bad_alloc`.
+    void makeRoomFor(std::size_t processes);
+
     /// Takes a process over that nobody else works with. Any thread may call.
     void take(WProcess& process);
 
@@ -36,6 +40,7 @@ private:
     void startThread();
     void run();
     bool admitArrivals(std::vector<Charge>& charges, ChildEnds& ends);
+    static void collect(std::vector<Charge>& charges, ChildEnds& ends);
     static bool hasEnded(Charge& charge);
 
     std::mutex lock;

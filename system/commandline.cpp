@@ -1,10 +1,12 @@
 #include <KxQts/system/commandline.h>
 
 #include <KxQts/daemon/command.h>
+#include <KxQts/errors.h>
 #include <KxQts/support/text.h>
 
 #include <atomic>
 #include <cstdlib>
+#include <new>
 
 namespace {
 
@@ -16,7 +18,7 @@ std::atomic<bool> isRootMode{false};
 } // namespace
 
 int executeCommandLineTool(const QString& tool, const QStringList& arguments, QString& output,
-                           unsigned int timeout) {
+                           unsigned int timeout) try {
     QString command = tool;
     for (const QString& argument : arguments)
         command += QLatin1Char(' ') + argument;
@@ -25,6 +27,8 @@ int executeCommandLineTool(const QString& tool, const QStringList& arguments, QS
     const unsigned parameters[parameterCount] = {};
     return CallDaemonSession(runCommandLine, timeout, &command, parameters, parameterCount,
                              &output);
+} catch (const std::bad_alloc&) {
+    return Korvex::Error::NoMemory;
 }
 
 void setRootModeFor_executeCommandLineTool() {

@@ -3,6 +3,7 @@
 #include "handles/addresses.h"
 #include "handles/disposal.h"
 #include "platform/scopes.h"
+#include "system/childcollector.h"
 #include "system/processcare.h"
 #include "system/startable.h"
 
@@ -12,6 +13,7 @@
 
 #include <cerrno>
 #include <memory>
+#include <new>
 
 namespace Error = Korvex::Error;
 
@@ -47,6 +49,7 @@ int WProcess::invoke(const QString& command) {
     {
         const LockGuard guard(sCritSect);
         sObjectList.append(this);
+        Korvex::ChildCollector::instance().makeRoomFor(sObjectList.size());
         Korvex::HandleAddresses::setUse(this, Korvex::HandleAddresses::Use::Process);
     }
     if (!Korvex::isStartable(command, workingDirectory()))
@@ -65,9 +68,11 @@ void WProcess::finished(int exitCode, QProcess::ExitStatus exitStatus) {
     emit QProcess::finished(exitCode, exitStatus);
 }
 
-bool WProcess::wait(WProcess* process, unsigned int ms) {
+bool WProcess::wait(WProcess* process, unsigned int ms) try {
     const Korvex::ErrorNumberKept untilReturned;
     return ProcessCare::Visit(process).waitForEnd(static_cast<int>(ms));
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 BOOL WProcess::dispose(WProcess* process) {

@@ -8,6 +8,7 @@
 #include "support/wintext.h"
 
 #include <cerrno>
+#include <new>
 #include <string>
 
 using Korvex::windowsText;
@@ -30,13 +31,16 @@ QStringList listFrom(const void* block) {
 template <class Character>
 BOOL create(const Character* application, const Character* commandLine, const void* environment,
             const Character* directory, STARTUPINFOW* startupInfo,
-            PROCESS_INFORMATION* processInformation) {
+            PROCESS_INFORMATION* processInformation) try {
     QString command = windowsText(commandLine);
     return createProcess(windowsText(application), command, nullptr, nullptr, false, 0,
                          listFrom<Character>(environment), windowsText(directory), startupInfo,
                          processInformation)
                ? TRUE
                : FALSE;
+} catch (const std::bad_alloc&) {
+    errno = Korvex::Error::NoMemory;
+    return FALSE;
 }
 
 } // namespace

@@ -8,6 +8,8 @@
 #include <QAbstractEventDispatcher>
 #include <QThread>
 
+#include <new>
+
 namespace Korvex {
 
 namespace {
@@ -93,10 +95,15 @@ void ProcessCare::giveUp(WProcess& process) {
 void ProcessCare::handOver(WProcess& process) {
     process.stage = WProcess::Stage::TakenOver;
     process.isDriven = true;
-    if (isAtHand(process))
+    if (isAtHand(process)) {
         takeOver(process);
-    else
+        return;
+    }
+    try {
         (new LaterTakeOver(process))->deleteLater();
+    } catch (const std::bad_alloc&) {
+        // Its thread cannot be told now. Giving a process up never fails; its child stays a zombie.
+    }
 }
 
 void ProcessCare::takeOver(WProcess& process) {
@@ -105,10 +112,18 @@ void ProcessCare::takeOver(WProcess& process) {
     if (isWatched(process))
         process.moveToThread(nullptr);
     // A child that has ended already is reaped here: no thread is needed then.
-    if (process.state() == QProcess::NotRunning || process.waitForFinished(0))
+    if (hasEnded(process))
         finish(process);
     else
         ChildCollector::instance().take(process);
+}
+
+bool ProcessCare::hasEnded(WProcess& process) {
+    try {
+        return process.state() == QProcess::NotRunning || process.waitForFinished(0);
+    } catch (const std::bad_alloc&) {
+        return false; // not to be told now
+    }
 }
 
 void ProcessCare::finish(WProcess& process) {

@@ -33,6 +33,9 @@ public:
     /// dispatcher watches it, if there is one.
     static void takeOver(WProcess& process) KXQTS_REQUIRES(WProcess::sCritSect);
 
+    /// Whether a process has ended, as far as that can be told now; it is reaped then.
+    static bool hasEnded(WProcess& process);
+
     /// Frees a process that was taken over and has ended.
     static void finish(WProcess& process) KXQTS_REQUIRES(WProcess::sCritSect);
 

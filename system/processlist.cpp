@@ -41,7 +41,7 @@ void store(int found, bool* running, int* count) {
 
 } // namespace
 
-int GetBSDProcessList(kinfo_proc** list, unsigned long* count) {
+int GetBSDProcessList(kinfo_proc** list, unsigned long* count) try {
     if (!list || !count)
         return Korvex::Error::InvalidArgument;
     std::vector<ProcessEntry> processes;
@@ -59,9 +59,11 @@ int GetBSDProcessList(kinfo_proc** list, unsigned long* count) {
     std::transform(processes.begin(), processes.end(), *list, recordOf);
     *count = processes.size();
     return 0;
+} catch (const std::bad_alloc&) {
+    return Korvex::Error::NoMemory;
 }
 
-int checkApplicationAlreadyRunning(const char* name, bool* running, int* count) {
+int checkApplicationAlreadyRunning(const char* name, bool* running, int* count) try {
     const std::optional<QString> searched = Korvex::commandName(name);
     if (!searched)
         return -1;
@@ -79,4 +81,6 @@ int checkApplicationAlreadyRunning(const char* name, bool* running, int* count) 
         return -1;
     }
     return 0;
+} catch (const std::bad_alloc&) {
+    return Korvex::Error::NoMemory;
 }

@@ -9,6 +9,8 @@
 #include <QThread>
 
 #include <algorithm>
+#include <cerrno>
+#include <sys/wait.h>
 
 namespace Korvex {
 
@@ -21,9 +23,17 @@ bool mayDrive(const WProcess& process) {
            !QAbstractEventDispatcher::instance(thread);
 }
 
+/// Whether a child has ended, without reaping it.
+bool hasEnded(qint64 childId) {
+    siginfo_t info{};
+    return waitid(P_PID, static_cast<id_t>(childId), &info, WEXITED | WNOHANG | WNOWAIT) == 0
+               ? info.si_pid != 0
+               : errno == ECHILD;
+}
+
 /// Waits for the end of a child without touching its process object, which another thread drives.
 bool waitFromOutside(qint64 childId, int ms) {
-    constexpr qint64 longestSleep = 60'000;
+    constexpr qint64 longestSleep = 1000; // its end may go unnoticed
     if (childId == 0)
         return false;
     ChildEnds ends;
@@ -31,7 +41,8 @@ bool waitFromOutside(qint64 childId, int ms) {
     const QDeadlineTimer deadline(ms);
     do {
         const qint64 left = deadline.isForever() ? longestSleep : deadline.remainingTime();
-        if (!ends.sleep(std::chrono::milliseconds(std::min(left, longestSleep))).empty())
+        if (!ends.sleep(std::chrono::milliseconds(std::min(left, longestSleep))).empty() ||
+            hasEnded(childId))
             return true;
     } while (!deadline.hasExpired());
     return false;

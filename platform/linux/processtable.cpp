@@ -54,6 +54,12 @@ std::optional<ProcessEntry> entryFrom(const std::string& line) {
     return fields ? std::optional(entry) : std::nullopt;
 }
 
+/// Whether it is this program that could not look, and not the process that is gone or another
+/// user's.
+bool isOwnFailure(int error) {
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO;
+}
+
 } // namespace
 
 std::string LinuxProcessTable::pathOf(int id, const char* file) const {
@@ -101,8 +107,16 @@ int LinuxProcessTable::read(std::vector<ProcessEntry>& processes) {
         return errno;
     while (const dirent* name = readdir(listing.get())) {
         const int id = idFrom(name->d_name);
+        errno = 0;
+        std::optional<ProcessEntry> entry = id != 0 ? find(id) : std::nullopt;
+        // A list that lacks a process for want of a descriptor would be taken for the whole one.
+        if (isOwnFailure(errno)) {
+            const int error = errno;
+            processes.clear();
+            return error;
+        }
         // Who vanished since its name was read is left out.
-        if (std::optional<ProcessEntry> entry = id != 0 ? find(id) : std::nullopt)
+        if (entry)
             processes.push_back(std::move(*entry));
     }
     std::ranges::sort(processes, {}, &ProcessEntry::id);

@@ -30,7 +30,7 @@ std::vector<Fault> fileFaults() {
         {"futimens: EPERM", KX_FAULT_TIMES, EPERM},
         {"flock: ENOLCK", KX_FAULT_LOCK, ENOLCK},
         {"flock: EINTR", KX_FAULT_LOCK, EINTR},
-        {"fcntl: EMFILE", KX_FAULT_FCNTL, EMFILE},
+        {"dup: EMFILE", KX_FAULT_DUP, EMFILE},
         {"mmap: ENOMEM", KX_FAULT_MMAP, ENOMEM},
         {"getrandom: ENOSYS", KX_FAULT_RANDOM, ENOSYS},
     };
@@ -42,7 +42,6 @@ std::vector<Fault> processFaults() {
         {"wait: EINTR", KX_FAULT_WAIT, EINTR},
         {"pthread_create: EAGAIN", KX_FAULT_THREAD, EAGAIN},
         {"pipe: EMFILE", KX_FAULT_PIPE, EMFILE},
-        {"dup: EMFILE", KX_FAULT_DUP, EMFILE},
         {"poll: EINTR", KX_FAULT_POLL, EINTR},
         {"poll: ENOMEM", KX_FAULT_POLL, ENOMEM},
         {"dlopen: ENOMEM", KX_FAULT_LOAD, ENOMEM},

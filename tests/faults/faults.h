@@ -30,13 +30,12 @@ enum KxFaultCall {
     KX_FAULT_CHMOD, /**< chmod, fchmod, fchown */
     KX_FAULT_TIMES,
     KX_FAULT_LOCK, /**< flock */
-    KX_FAULT_FCNTL,
     KX_FAULT_MMAP,
     KX_FAULT_FORK, /**< fork, clone, posix_spawn, system */
     KX_FAULT_WAIT, /**< waitpid, wait4, waitid */
     KX_FAULT_THREAD,
     KX_FAULT_PIPE, /**< pipe, eventfd */
-    KX_FAULT_DUP,
+    KX_FAULT_DUP,  /**< dup, fcntl where it does the same */
     KX_FAULT_POLL, /**< epoll_create, epoll_ctl, epoll_wait, poll */
     KX_FAULT_SOCKET,
     KX_FAULT_CONNECT,

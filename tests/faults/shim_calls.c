@@ -127,9 +127,6 @@ CALL(CHMOD, -1, int, fchmod, (int file, unsigned mode), (file, mode))
 CALL(CHMOD, -1, int, fchown, (int file, unsigned user, unsigned group), (file, user, group))
 CALL(TIMES, -1, int, futimens, (int file, const void* times), (file, times))
 CALL(LOCK, -1, int, flock, (int file, int operation), (file, operation))
-CALL_WITH_MORE(FCNTL, -1, int, fcntl, (int file, int command, ...), command, (file, command, more))
-CALL_WITH_MORE(FCNTL, -1, int, fcntl64, (int file, int command, ...), command,
-               (file, command, more))
 CALL(MMAP, (void*)-1, void*, mmap,
      (void* at, size_t size, int protection, int flags, int file, ShortOffset place),
      (at, size, protection, flags, file, place))
@@ -193,6 +190,26 @@ CALL_WITH_MORE(SEMAPHORE, -1, int, semctl, (int set, int number, int command, ..
                (set, number, command, more))
 CALL(RANDOM, -1, Size, getrandom, (void* bytes, size_t size, unsigned flags), (bytes, size, flags))
 
+/* Of this only what makes a descriptor can fail on a descriptor that is open. */
+#define DUPLICATE(name)                                                                            \
+    __attribute__((visibility("default"))) int name(int file, int command, ...);                   \
+    int name(int file, int command, ...) {                                                         \
+        static int (*following)(int, int, ...);                                                    \
+        if (!following)                                                                            \
+            following = (int (*)(int, int, ...))kx_following(#name);                               \
+        va_list list;                                                                              \
+        va_start(list, command);                                                                   \
+        uintptr_t more = va_arg(list, uintptr_t);                                                  \
+        va_end(list);                                                                              \
+        const int duplicates = command == 0 || command == 1030; /* F_DUPFD, F_DUPFD_CLOEXEC */     \
+        if (duplicates && kx_fails(KX_FAULT_DUP))                                                  \
+            return -1;                                                                             \
+        return following(file, command, more);                                                     \
+    }
+
+DUPLICATE(fcntl)
+DUPLICATE(fcntl64)
+
 /* What several arguments follow, or what is done although it fails. */
 
 __attribute__((visibility("default"))) Size writev(int file, const void* parts, int count);
@@ -248,4 +265,27 @@ int clone(int (*routine)(void*), void* stack, int flags, void* argument, ...) {
     if (kx_fails(KX_FAULT_FORK))
         return -1;
     return following(routine, stack, flags, argument, parent, local, child);
+}
+
+/* The numbers of the calls that have no function of their own in every C library. */
+#include <sys/syscall.h>
+
+__attribute__((visibility("default"))) long syscall(long number, ...);
+long syscall(long number, ...) {
+    static long (*following)(long, ...);
+    if (!following)
+        following = (long (*)(long, ...))kx_following("syscall");
+    va_list list;
+    va_start(list, number);
+    long a = va_arg(list, long);
+    long b = va_arg(list, long);
+    long c = va_arg(list, long);
+    long d = va_arg(list, long);
+    long e = va_arg(list, long);
+    long f = va_arg(list, long);
+    va_end(list);
+    if ((number == SYS_clone && kx_fails(KX_FAULT_FORK)) ||
+        (number == SYS_pidfd_open && kx_fails(KX_FAULT_POLL)))
+        return -1;
+    return following(number, a, b, c, d, e, f);
 }

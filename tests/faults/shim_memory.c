@@ -29,6 +29,13 @@ static pthread_mutex_t blocks_lock = PTHREAD_MUTEX_INITIALIZER;
 static const char* exempted[longest_list];
 static _Thread_local int is_inside;
 
+/* Names are searched for slowly, so what was found is kept. */
+enum { known_count = 4096 };
+static _Thread_local struct Known {
+    const void* address;
+    int is_exempted;
+} known_places[known_count];
+
 static size_t place_of(const void* address) {
     return ((uintptr_t)address >> 4) * 2654435761u % places;
 }
@@ -95,6 +102,7 @@ size_t kx_blocks(void** origins, size_t room, int forget_them) {
 }
 
 void kx_exempt(const char* part_of_name) {
+    memset(known_places, 0, sizeof known_places);
     if (!part_of_name)
         memset(exempted, 0, sizeof exempted);
     for (int i = 0; i < longest_list; ++i) {
@@ -105,15 +113,27 @@ void kx_exempt(const char* part_of_name) {
     }
 }
 
+static int is_in_exempted(const void* address) {
+    Dl_info place;
+    if (!dladdr(address, &place) || !place.dli_sname)
+        return 0;
+    for (int name = 0; name < longest_list && exempted[name]; ++name) {
+        if (strstr(place.dli_sname, exempted[name]))
+            return 1;
+    }
+    return 0;
+}
+
 static int is_exempted(void** origin, int count) {
     for (int i = 0; exempted[0] && i < count; ++i) {
-        Dl_info place;
-        if (!dladdr(origin[i], &place) || !place.dli_sname)
-            continue;
-        for (int name = 0; name < longest_list && exempted[name]; ++name) {
-            if (strstr(place.dli_sname, exempted[name]))
-                return 1;
+        struct Known* known =
+            &known_places[((uintptr_t)origin[i] * 2654435761u >> 8) % known_count];
+        if (known->address != origin[i]) {
+            known->is_exempted = is_in_exempted(origin[i]);
+            known->address = origin[i];
         }
+        if (known->is_exempted)
+            return 1;
     }
     return 0;
 }
