@@ -15,6 +15,7 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <new>
 
 namespace Korvex {
 
@@ -69,12 +70,14 @@ ZRDaemonSocket::~ZRDaemonSocket() {
     Loopback::close(socket, timeout);
 }
 
-int ZRDaemonSocket::initSocket() {
+int ZRDaemonSocket::initSocket() try {
     return DaemonConnection::open(socket, commandPort, timeout, lastError);
+} catch (const std::bad_alloc&) {
+    return Error::NoMemory;
 }
 
 int ZRDaemonSocket::sendDataToSocket(unsigned cmd, const char* text, const unsigned* params,
-                                     unsigned count) {
+                                     unsigned count) try {
     if (const int error = DaemonConnection::check(socket, lastError))
         return error;
     CommandRequest request{cmd, {}, {}};
@@ -85,9 +88,11 @@ int ZRDaemonSocket::sendDataToSocket(unsigned cmd, const char* text, const unsig
         std::memcpy(request.text, text, strnlen(text, sizeof request.text - 1));
     const QByteArrayView bytes(reinterpret_cast<const char*>(&request), sizeof request);
     return DaemonConnection::send(*socket, bytes, {}, lastError);
+} catch (const std::bad_alloc&) {
+    return Error::NoMemory;
 }
 
-int ZRDaemonSocket::getDataFromSocket(unsigned* response, unsigned timeoutSeconds) {
+int ZRDaemonSocket::getDataFromSocket(unsigned* response, unsigned timeoutSeconds) try {
     if (const int error = DaemonConnection::check(socket, lastError))
         return error;
     if (const int error = DaemonConnection::waitForData(*socket, timeoutSeconds, lastError))
@@ -95,6 +100,8 @@ int ZRDaemonSocket::getDataFromSocket(unsigned* response, unsigned timeoutSecond
     Loopback::awaitRest(*socket, sizeof(CommandResponse));
     socket->read(reinterpret_cast<char*>(response), sizeof(CommandResponse));
     return Error::None;
+} catch (const std::bad_alloc&) {
+    return Error::NoMemory;
 }
 
 void ZRDaemonSocket::closeSocket() {
@@ -104,7 +111,7 @@ void ZRDaemonSocket::closeSocket() {
 } // namespace Korvex
 
 int CallDaemonSession(unsigned cmd, unsigned timeoutSeconds, const QString* text,
-                      const unsigned* params, unsigned count, QString* message) {
+                      const unsigned* params, unsigned count, QString* message) try {
     static constinit Korvex::SessionSlot current{nullptr};
     const Korvex::SessionLock lock(current);
     if (!lock.isTaken()) {
@@ -113,4 +120,6 @@ int CallDaemonSession(unsigned cmd, unsigned timeoutSeconds, const QString* text
     }
     Korvex::ZRDaemonSocket socket;
     return Korvex::exchange(socket, cmd, timeoutSeconds, text, params, count, message);
+} catch (const std::bad_alloc&) {
+    return Korvex::Error::NoMemory;
 }

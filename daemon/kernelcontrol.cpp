@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <new>
 #include <string>
 #include <unistd.h>
 
@@ -55,7 +56,7 @@ int fail(int& socket, int error) {
 
 } // namespace
 
-int KextConnect(const char* controlName, unsigned int unit, int& socket) {
+int KextConnect(const char* controlName, unsigned int unit, int& socket) try {
     socket = -1;
     if (!controlName)
         return Korvex::Error::InvalidArgument;
@@ -70,6 +71,8 @@ int KextConnect(const char* controlName, unsigned int unit, int& socket) {
         return fail(socket, error);
     errno = 0;
     return 0;
+} catch (const std::bad_alloc&) {
+    return socket < 0 ? Korvex::Error::NoMemory : fail(socket, Korvex::Error::NoMemory);
 }
 
 int KextControl(int socket, unsigned int option, void* value, unsigned int* valueSize) {

@@ -88,9 +88,13 @@ void close(std::unique_ptr<QTcpSocket>& socket, unsigned ms) {
     // Destructors come here too: no thread may be unwound from them.
     const TerminationDeferred untilClosed;
     const BrokenPipeGuard guard;
-    socket->disconnectFromHost();
-    if (isIdle(*socket) || socket->waitForDisconnected(waitTime(ms)))
-        socket->close();
+    try {
+        socket->disconnectFromHost();
+        if (isIdle(*socket) || socket->waitForDisconnected(waitTime(ms)))
+            socket->close();
+    } catch (const std::bad_alloc&) {
+        // Without a farewell, then.
+    }
     socket.reset();
 }
 

@@ -72,21 +72,26 @@ ZRDaemonRegistrySocket::~ZRDaemonRegistrySocket() {
     Loopback::close(socket, timeout);
 }
 
-int ZRDaemonRegistrySocket::initSocket() {
+int ZRDaemonRegistrySocket::initSocket() try {
     return DaemonConnection::open(socket, registryPort, timeout, lastError);
+} catch (const std::bad_alloc&) {
+    return Error::NoMemory;
 }
 
-int ZRDaemonRegistrySocket::sendDataToSocket(const _D_REG_REQUEST& request, const char* payload) {
+int ZRDaemonRegistrySocket::sendDataToSocket(const _D_REG_REQUEST& request,
+                                             const char* payload) try {
     if (const int error = DaemonConnection::check(socket, lastError))
         return error;
     const bool hasPayload = payload && request.payloadLength > 0;
     return DaemonConnection::send(
         *socket, bytesOf(request),
         hasPayload ? QByteArrayView(payload, request.payloadLength) : QByteArrayView(), lastError);
+} catch (const std::bad_alloc&) {
+    return Error::NoMemory;
 }
 
 int ZRDaemonRegistrySocket::getDataFromSocket(_D_REG_RESPONSE& response, unsigned timeoutSeconds,
-                                              char*& payload) {
+                                              char*& payload) try {
     if (const int error = DaemonConnection::check(socket, lastError))
         return error;
     if (const int error = DaemonConnection::waitForData(*socket, timeoutSeconds, lastError))
@@ -95,6 +100,8 @@ int ZRDaemonRegistrySocket::getDataFromSocket(_D_REG_RESPONSE& response, unsigne
     if (response.status != 0 || response.payloadLength <= 0)
         return Error::None;
     return receivePayload(*socket, response.payloadLength, payload);
+} catch (const std::bad_alloc&) {
+    return Error::NoMemory;
 }
 
 void ZRDaemonRegistrySocket::closeSocket() {
@@ -105,7 +112,7 @@ void ZRDaemonRegistrySocket::closeSocket() {
 
 int CallDaemonRegistrySession(const _D_REG_REQUEST& request, _D_REG_RESPONSE& response,
                               unsigned timeoutSeconds, char*& responsePayload,
-                              const char* requestPayload, QString* message) {
+                              const char* requestPayload, QString* message) try {
     static constinit Korvex::SessionSlot current{nullptr};
     const Korvex::SessionLock lock(current);
     if (!lock.isTaken()) {
@@ -115,4 +122,6 @@ int CallDaemonRegistrySession(const _D_REG_REQUEST& request, _D_REG_RESPONSE& re
     Korvex::ZRDaemonRegistrySocket socket;
     return Korvex::exchange(socket, request, response, timeoutSeconds, responsePayload,
                             requestPayload, message);
+} catch (const std::bad_alloc&) {
+    return Korvex::Error::NoMemory;
 }

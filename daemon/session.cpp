@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 
 namespace Korvex {
 
@@ -63,7 +64,7 @@ WDaemonSocket::~WDaemonSocket() {
     Loopback::close(socket, timeout);
 }
 
-int WDaemonSocket::init(unsigned short toPort) {
+int WDaemonSocket::init(unsigned short toPort) try {
     if (socket)
         return toPort == port ? Error::Connected : Error::InvalidArgument;
     socket = Loopback::makeSocket();
@@ -75,10 +76,12 @@ int WDaemonSocket::init(unsigned short toPort) {
         return Error::NotConnected;
     port = toPort;
     return Error::None;
+} catch (const std::bad_alloc&) {
+    return Error::NoMemory;
 }
 
 int WDaemonSocket::send(unsigned cmd, const unsigned* params, unsigned count,
-                        const unsigned char* data, unsigned len) {
+                        const unsigned char* data, unsigned len) try {
     if (!isConnected(socket))
         return failWith(Error::NotConnected);
     if ((params && count > parameterSlots) || (data && len > longestPayload))
@@ -90,9 +93,11 @@ int WDaemonSocket::send(unsigned cmd, const unsigned* params, unsigned count,
         Loopback::send(*socket, QByteArrayView(reinterpret_cast<const char*>(&head), sizeof head),
                        QByteArrayView(data, head.length));
     return sent < 0 ? failWith(Error::TransferFailed) : static_cast<int>(sent);
+} catch (const std::bad_alloc&) {
+    return failWith(Error::NoMemory);
 }
 
-int WDaemonSocket::recv(wdaemon_response* buf, unsigned size, unsigned timeoutSeconds) {
+int WDaemonSocket::recv(wdaemon_response* buf, unsigned size, unsigned timeoutSeconds) try {
     if (!isConnected(socket))
         return failWith(Error::NotConnected);
     if (!buf)
@@ -101,6 +106,8 @@ int WDaemonSocket::recv(wdaemon_response* buf, unsigned size, unsigned timeoutSe
         return failWith(Error::TimedOut);
     awaitRest(*socket, size);
     return static_cast<int>(socket->read(reinterpret_cast<char*>(buf), size));
+} catch (const std::bad_alloc&) {
+    return failWith(Error::NoMemory);
 }
 
 void WDaemonSocket::close() {
