@@ -155,7 +155,11 @@ bool WLibrary::freeInTurn(void* handle, const QString& path) {
 
 void WLibrary::unloadAndDelete(WLibrary* library, LoadingTurn& turn) {
     turn.startUnloading();
-    library->unload();
+    try {
+        library->unload();
+    } catch (const std::bad_alloc&) {
+        // Its code stays, then; it is nobody's library any more all the same.
+    }
     const LockGuard guard(sCritSect);
     delete library;
 }

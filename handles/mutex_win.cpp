@@ -4,24 +4,29 @@
 #include <KxQts/handles/mutex.h>
 #include <KxQts/winapi/mutexes.h>
 
+#include "platform/withoutmemory.h"
 #include "support/wintext.h"
 
 using Korvex::windowsText;
 using Korvex::WMutex;
 
 HANDLE createMutex(bool initialOwner, const QString& name) {
-    WMutex* mutex = nullptr;
-    // The bytes up to the first zero: names with one inside are cut there.
-    WMutex::get(initialOwner, QString::fromLatin1(name.toLatin1().constData()), &mutex);
-    return mutex;
+    return Korvex::withoutMemory(nullptr, [&] {
+        WMutex* mutex = nullptr;
+        // The bytes up to the first zero: names with one inside are cut there.
+        WMutex::get(initialOwner, QString::fromLatin1(name.toLatin1().constData()), &mutex);
+        return mutex;
+    });
 }
 
 HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES, BOOL bInitialOwner, LPCSTR lpName) {
-    return createMutex(bInitialOwner != FALSE, windowsText(lpName));
+    return Korvex::withoutMemory(
+        nullptr, [&] { return createMutex(bInitialOwner != FALSE, windowsText(lpName)); });
 }
 
 HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES, BOOL bInitialOwner, LPCWSTR lpName) {
-    return createMutex(bInitialOwner != FALSE, windowsText(lpName));
+    return Korvex::withoutMemory(
+        nullptr, [&] { return createMutex(bInitialOwner != FALSE, windowsText(lpName)); });
 }
 
 BOOL ReleaseMutex(HANDLE h) {

@@ -36,7 +36,12 @@ public:
     Command& operator=(const Command&) = delete;
 
     /// \return What `system` returned.
-    [[nodiscard]] int run() const { return std::system(WCString(text)); }
+    [[nodiscard]] int run() const {
+        const WCString line(text);
+        if (*static_cast<const char*>(line) == '\0')
+            throw std::bad_alloc(); // the shell would make a success of nothing
+        return std::system(line);
+    }
 
     /// Runs it, and says in a message when it failed.
     [[nodiscard]] int run(QString& message) const {

@@ -1,5 +1,7 @@
 #include <KxQts/support/log.h>
 
+#include <new>
+
 namespace Korvex {
 
 namespace {
@@ -15,9 +17,11 @@ bool isFileOpen() {
 
 } // namespace
 
-int IOLogOpen(const char* path, unsigned int flags, const char* title, const char* module) {
+int IOLogOpen(const char* path, unsigned int flags, const char* title, const char* module) try {
     return __kx_glog.openLog(QString::fromLatin1(path), QString::fromLatin1(title),
                              QString::fromLatin1(module), flags);
+} catch (const std::bad_alloc&) {
+    return 1; // opening a log never fails; this one stays as it was
 }
 
 int IOLogOpen(const QString& path, unsigned int flags, QString* title, QString* module) {

@@ -3,6 +3,7 @@
 #include "platform/filesharing.h"
 
 #include <fcntl.h>
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -44,14 +45,17 @@ int aboveStandard(int descriptor) {
 }
 
 /// \return A descriptor above the standard ones; that of standard output when there is none.
-int openLogFile(const QString& name, unsigned flags) {
+int openLogFile(const QString& path, unsigned flags) try {
+    const QByteArray name = fileName(path, flags).toLatin1();
     const int how = O_RDWR | O_CREAT | ((flags & newFile) != 0 ? O_TRUNC : O_APPEND);
-    const int descriptor = aboveStandard(openShared(name.toLatin1().constData(), how, true));
+    const int descriptor = aboveStandard(openShared(name.constData(), how, true));
     if (descriptor < 0)
         return standardOutput;
     // The process's mask has taken rights away.
     (void)fchmod(descriptor, everyone);
     return descriptor;
+} catch (const std::bad_alloc&) {
+    return standardOutput;
 }
 
 } // namespace
@@ -63,13 +67,17 @@ int WLogFile::openLog(const QString& path, const QString& newTitle, const QStrin
     title = newTitle;
     if ((flags & (newFile | appendToFile)) == 0)
         return 1;
-    fd = openLogFile(fileName(path, flags), flags);
+    fd = openLogFile(path, flags);
     if (fd <= standardOutput)
         return 1;
-    if (module.isEmpty())
-        IOTxt("has been loaded.");
-    else
-        IOTxt("%s; has been loaded.", module.toLatin1().constData());
+    try {
+        if (module.isEmpty())
+            IOTxt("has been loaded.");
+        else
+            IOTxt("%s; has been loaded.", module.toLatin1().constData());
+    } catch (const std::bad_alloc&) {
+        // The line is lost, as any other one would be.
+    }
     return 1;
 }
 

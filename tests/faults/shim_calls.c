@@ -186,8 +186,6 @@ CALL_WITH_MORE(SOCKETOPTION, -1, int, ioctl, (int file, unsigned long request, .
 
 CALL(SEMAPHORE, -1, int, semget, (int key, int count, int flags), (key, count, flags))
 CALL(SEMAPHORE, -1, int, semop, (int set, void* operations, size_t count), (set, operations, count))
-CALL_WITH_MORE(SEMAPHORE, -1, int, semctl, (int set, int number, int command, ...), command,
-               (set, number, command, more))
 CALL(RANDOM, -1, Size, getrandom, (void* bytes, size_t size, unsigned flags), (bytes, size, flags))
 
 /* Of this only what makes a descriptor can fail on a descriptor that is open. */
@@ -235,6 +233,20 @@ int close(int file) {
         return result;
     errno = error;
     return -1;
+}
+
+/* Removing a set that one has made does not fail. */
+__attribute__((visibility("default"))) int semctl(int set, int number, int command, ...);
+int semctl(int set, int number, int command, ...) {
+    static int (*following)(int, int, int, ...);
+    if (!following)
+        following = (int (*)(int, int, int, ...))kx_following("semctl");
+    va_list list;
+    va_start(list, command);
+    uintptr_t more = va_arg(list, uintptr_t);
+    va_end(list);
+    const int removes = command == 0; /* IPC_RMID */
+    return !removes && kx_fails(KX_FAULT_SEMAPHORE) ? -1 : following(set, number, command, more);
 }
 
 __attribute__((visibility("default"))) void* sem_open(const char* name, int flags, ...);
