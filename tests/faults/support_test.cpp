@@ -70,7 +70,9 @@ TEST(SupportFaults, Module) {
                    const HMODULE module = loadLibrary(path);
                    while (FreeLibrary(module)) {
                    }
-               }});
+               },
+           // Qt's list of libraries keeps an entry that an exception has kept from being used.
+           .leaks = {"setFileNameAndVersion"}});
 }
 
 // What a keychain is written with. Deriving its keys takes its time on purpose.
