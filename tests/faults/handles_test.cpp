@@ -79,23 +79,7 @@ TEST(HandleFaults, NamedMutex) {
                         .reports = {Reported::injected}});
 }
 
-namespace {
-
-/// What is opened for the first thread of a process stays open.
-class ThreadFaults : public testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-        const HANDLE thread = CreateThread(nullptr, 0, signalEvent, event, 0, nullptr);
-        EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
-        EXPECT_TRUE(CloseHandle(thread));
-        EXPECT_TRUE(CloseHandle(event));
-    }
-};
-
-} // namespace
-
-TEST_F(ThreadFaults, Thread) {
+TEST(HandleFaults, Thread) {
     const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
     sweep(processFaults() + fileFaults() + memoryFaults(),
           {.name = "thread",
@@ -123,7 +107,7 @@ TEST_F(ThreadFaults, Thread) {
     EXPECT_TRUE(CloseHandle(event));
 }
 
-TEST_F(ThreadFaults, ThreadOfAClass) {
+TEST(HandleFaults, ThreadOfAClass) {
     class Empty : public Korvex::Thread {};
     sweep(processFaults() + memoryFaults(), {.name = "thread class", .run = [] {
                                                  Empty thread;
