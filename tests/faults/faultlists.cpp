@@ -25,13 +25,11 @@ std::vector<Fault> fileFaults() {
         {"rmdir: EBUSY", KX_FAULT_RMDIR, EBUSY},
         {"fsync: EIO", KX_FAULT_SYNC, EIO},
         {"stat: EACCES", KX_FAULT_STAT, EACCES},
-        {"ftruncate: EFBIG", KX_FAULT_TRUNCATE, EFBIG},
         {"chmod: EPERM", KX_FAULT_CHMOD, EPERM},
         {"futimens: EPERM", KX_FAULT_TIMES, EPERM},
         {"flock: ENOLCK", KX_FAULT_LOCK, ENOLCK},
         {"flock: EINTR", KX_FAULT_LOCK, EINTR},
         {"dup: EMFILE", KX_FAULT_DUP, EMFILE},
-        {"mmap: ENOMEM", KX_FAULT_MMAP, ENOMEM},
         {"getrandom: ENOSYS", KX_FAULT_RANDOM, ENOSYS},
     };
 }
@@ -52,7 +50,6 @@ std::vector<Fault> networkFaults() {
     return {
         {"socket: EMFILE", KX_FAULT_SOCKET, EMFILE},
         {"connect: ECONNREFUSED", KX_FAULT_CONNECT, ECONNREFUSED},
-        {"bind: EADDRINUSE", KX_FAULT_BIND, EADDRINUSE},
         {"send: ECONNRESET", KX_FAULT_SEND, ECONNRESET},
         {"send: short", KX_FAULT_SEND, 0},
         {"recv: ECONNRESET", KX_FAULT_RECV, ECONNRESET},

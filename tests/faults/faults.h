@@ -24,13 +24,11 @@ enum KxFaultCall {
     KX_FAULT_UNLINK, /**< unlink, remove */
     KX_FAULT_MKDIR,
     KX_FAULT_RMDIR,
-    KX_FAULT_SYNC, /**< fsync, fdatasync */
-    KX_FAULT_STAT, /**< stat, lstat, fstat, fstatat, statx, access */
-    KX_FAULT_TRUNCATE,
+    KX_FAULT_SYNC,  /**< fsync, fdatasync */
+    KX_FAULT_STAT,  /**< stat, lstat, fstat, fstatat, statx, access */
     KX_FAULT_CHMOD, /**< chmod, fchmod, fchown */
     KX_FAULT_TIMES,
     KX_FAULT_LOCK, /**< flock */
-    KX_FAULT_MMAP,
     KX_FAULT_FORK, /**< fork, clone, posix_spawn, system */
     KX_FAULT_WAIT, /**< waitpid, wait4, waitid */
     KX_FAULT_THREAD,
@@ -39,7 +37,6 @@ enum KxFaultCall {
     KX_FAULT_POLL, /**< epoll_create, epoll_ctl, epoll_wait, poll */
     KX_FAULT_SOCKET,
     KX_FAULT_CONNECT,
-    KX_FAULT_BIND, /**< bind, listen */
     KX_FAULT_SEND,
     KX_FAULT_RECV,
     KX_FAULT_SOCKETOPTION, /**< setsockopt, getsockopt, ioctl */

@@ -87,8 +87,6 @@ TRANSFER(WRITE, copy_file_range,
          (from, place, to, other, count, flags))
 CALL(SEEK, -1, ShortOffset, lseek, (int file, ShortOffset place, int from), (file, place, from))
 CALL(SEEK, -1, LongOffset, lseek64, (int file, LongOffset place, int from), (file, place, from))
-CALL(TRUNCATE, -1, int, ftruncate, (int file, ShortOffset size), (file, size))
-CALL(TRUNCATE, -1, int, ftruncate64, (int file, LongOffset size), (file, size))
 
 CALL(RENAME, -1, int, rename, (const char* from, const char* to), (from, to))
 CALL(RENAME, -1, int, renameat, (int one, const char* from, int other, const char* to),
@@ -127,12 +125,6 @@ CALL(CHMOD, -1, int, fchmod, (int file, unsigned mode), (file, mode))
 CALL(CHMOD, -1, int, fchown, (int file, unsigned user, unsigned group), (file, user, group))
 CALL(TIMES, -1, int, futimens, (int file, const void* times), (file, times))
 CALL(LOCK, -1, int, flock, (int file, int operation), (file, operation))
-CALL(MMAP, (void*)-1, void*, mmap,
-     (void* at, size_t size, int protection, int flags, int file, ShortOffset place),
-     (at, size, protection, flags, file, place))
-CALL(MMAP, (void*)-1, void*, mmap64,
-     (void* at, size_t size, int protection, int flags, int file, LongOffset place),
-     (at, size, protection, flags, file, place))
 
 CALL(FORK, -1, int, fork, (void), ())
 CALL(FORK, -1, int, system, (const char* command), (command))
@@ -165,9 +157,6 @@ CALL(POLL, -1, int, pidfd_open, (int process, unsigned flags), (process, flags))
 CALL(SOCKET, -1, int, socket, (int domain, int type, int protocol), (domain, type, protocol))
 CALL(CONNECT, -1, int, connect, (int file, const struct Address* address, unsigned size),
      (file, address, size))
-CALL(BIND, -1, int, bind, (int file, const struct Address* address, unsigned size),
-     (file, address, size))
-CALL(BIND, -1, int, listen, (int file, int backlog), (file, backlog))
 TRANSFER(SEND, send, (int file, const void* bytes, size_t count, int flags),
          (file, bytes, count, flags))
 TRANSFER(RECV, recv, (int file, void* bytes, size_t count, int flags), (file, bytes, count, flags))
@@ -186,6 +175,7 @@ CALL_WITH_MORE(SOCKETOPTION, -1, int, ioctl, (int file, unsigned long request, .
 
 CALL(SEMAPHORE, -1, int, semget, (int key, int count, int flags), (key, count, flags))
 CALL(SEMAPHORE, -1, int, semop, (int set, void* operations, size_t count), (set, operations, count))
+CALL(LOAD, 0, void*, dlopen, (const char* path, int flags), (path, flags))
 CALL(RANDOM, -1, Size, getrandom, (void* bytes, size_t size, unsigned flags), (bytes, size, flags))
 
 /* Of this only what makes a descriptor can fail on a descriptor that is open. */
@@ -297,6 +287,7 @@ long syscall(long number, ...) {
     long f = va_arg(list, long);
     va_end(list);
     if ((number == SYS_clone && kx_fails(KX_FAULT_FORK)) ||
+        (number == SYS_waitid && kx_fails(KX_FAULT_WAIT)) ||
         (number == SYS_pidfd_open && kx_fails(KX_FAULT_POLL)))
         return -1;
     return following(number, a, b, c, d, e, f);

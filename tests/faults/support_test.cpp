@@ -52,7 +52,7 @@ TEST(SupportFaults, Log) {
 
 TEST(SupportFaults, Module) {
     const QString path = moduleToLoad();
-    sweep(fileFaults() + memoryFaults(),
+    sweep(fileFaults() + processFaults() + memoryFaults(),
           {.name = "module",
            .run =
                [=] {
