@@ -13,11 +13,11 @@
 ///
 /// \param path Receives the path. With an empty \a drive **it keeps its contents** and the other
 /// parts are put behind it: clear it first for a fresh path.
-/// \return \a path.
+/// \return \a path; it is empty when there was no memory for it.
 KXQTS_EXPORT QString& makePath(QString& path, const QString& drive, const QString& dir,
                                const QString& fname, const QString& ext);
 
-/// Takes a path apart. Nothing of it needs to exist.
+/// Takes a path apart. Nothing of it needs to exist. Without memory all parts are empty.
 ///
 /// \param drive Receives the mount point of the volume that holds the path, or of its nearest
 /// ancestor that exists; empty when that is no volume. It is cut from the path if that begins with
