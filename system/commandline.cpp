@@ -22,8 +22,12 @@ int executeCommandLineTool(const QString& tool, const QStringList& arguments, QS
     QString command = tool;
     for (const QString& argument : arguments)
         command += QLatin1Char(' ') + argument;
-    if (isRootMode)
-        return std::system(WCString(command)); // NOLINT(bugprone-*,cert-env33-c)
+    if (isRootMode) {
+        const WCString line(command);
+        if (!command.isEmpty() && *static_cast<const char*>(line) == '\0')
+            throw std::bad_alloc(); // the shell would make a success of nothing
+        return std::system(line);   // NOLINT(bugprone-*,cert-env33-c)
+    }
     const unsigned parameters[parameterCount] = {};
     return CallDaemonSession(runCommandLine, timeout, &command, parameters, parameterCount,
                              &output);

@@ -24,7 +24,7 @@ std::vector<Fault> allFaults() {
     return processFaults() + fileFaults() + memoryFaults();
 }
 
-const QString trueProgram = QStringLiteral("/bin/true");
+const QString touchProgram = QStringLiteral("/bin/touch");
 
 /// Runs a program, which must come to its end.
 bool runToItsEnd(const char* program, const void* environment, const char* folder) {
@@ -136,11 +136,17 @@ TEST(ProcessFaults, RunningACommandLineAsRoot) {
     EXPECT_TRUE(inChild([] {
         setRootModeFor_executeCommandLineTool();
         QStringList arguments;
-        arguments.append(trueProgram);
-        sweep(processFaults() + memoryFaults(),
-              {.name = "command line", .run = [&] {
-                   QString output;
-                   return executeCommandLineTool(trueProgram, arguments, output, 1) == 0;
-               }});
+        arguments.append(QStringLiteral("touched"));
+        sweep(
+            processFaults() + memoryFaults(),
+            {.name = "command line",
+             .prepare = [] { std::filesystem::remove("touched"); },
+             .run =
+                 [&] {
+                     QString output;
+                     return executeCommandLineTool(touchProgram, arguments, output, 1) == 0;
+                 },
+             .verify =
+                 [](bool succeeded) { EXPECT_EQ(std::filesystem::exists("touched"), succeeded); }});
     }));
 }
