@@ -16,7 +16,7 @@ std::atomic<int> timeLimit{30000};
 
 struct Answer {
     int exitCode = 0;
-    QString text;
+    QByteArray text;
 };
 
 /// Runs the utility. One that cannot be started has neither an exit code nor an answer.
@@ -28,8 +28,7 @@ Answer ask(const QStringList& arguments) {
     process.waitForFinished(timeLimit);
     Answer answer;
     answer.exitCode = process.exitCode();
-    // Up to the first NUL.
-    answer.text = QString::fromLatin1(process.readAllStandardOutput().constData());
+    answer.text = process.readAllStandardOutput();
     if (process.state() != QProcess::NotRunning) {
         process.kill();
         process.waitForFinished();
@@ -62,6 +61,15 @@ std::optional<QString> Korvex::DiskUtility::take(QString& text, QLatin1String wo
     return front;
 }
 
+Korvex::DiskUtility::Limits Korvex::DiskUtility::limitsIn(const QByteArray& answer) {
+    QString text = QString::fromLatin1(answer.constData()); // not its size: up to the first NUL
+    // In this order: a minimum in front of the current size is not seen.
+    Limits limits;
+    limits.currentSize = takeSize(text, QLatin1String("Current size:"));
+    limits.minimumSize = takeSize(text, QLatin1String("Minimum size:"));
+    return limits;
+}
+
 int Korvex::DiskUtility::setTimeLimit(int milliseconds) {
     return timeLimit.exchange(milliseconds);
 }
@@ -70,13 +78,13 @@ int getVolumeFreeSpace(const QString& volume, unsigned long long& currentSize,
                        unsigned long long& minimumSize) {
     currentSize = 0;
     minimumSize = 0;
-    Answer answer = ask({QStringLiteral("resizeVolume"), volume, QStringLiteral("limits")});
+    const Answer answer = ask({QStringLiteral("resizeVolume"), volume, QStringLiteral("limits")});
     if (answer.exitCode != 0) {
         Korvex::IOLog("getVolumeFreeSpace: start/run diskutil failed; status %d.", answer.exitCode);
         return answer.exitCode;
     }
-    // In this order: a minimum in front of the current size is not seen.
-    currentSize = takeSize(answer.text, QLatin1String("Current size:"));
-    minimumSize = takeSize(answer.text, QLatin1String("Minimum size:"));
+    const auto limits = Korvex::DiskUtility::limitsIn(answer.text);
+    currentSize = limits.currentSize;
+    minimumSize = limits.minimumSize;
     return answer.exitCode;
 }

@@ -16,8 +16,8 @@ namespace {
 constexpr char prefix[] = "getVolumeFreeSpaceFromInfo: ";
 constexpr char scratchFile[] = "/Korvex/info";
 
-/// The utility's answer up to the first NUL; nothing, and a line in the log, when there is none.
-std::optional<QString> readAnswer() {
+/// The utility's answer; nothing, and a line in the log, when there is none.
+std::optional<QByteArray> readAnswer() {
     QFile file{QLatin1String(scratchFile)};
     if (!file.exists()) {
         IOLog("%sfile not exists.", prefix);
@@ -27,7 +27,7 @@ std::optional<QString> readAnswer() {
         IOLog("%sfile can^t be openned.", prefix);
         return std::nullopt;
     }
-    return QString::fromLatin1(file.readAll().constData());
+    return file.readAll();
 }
 
 /// Takes the text in front of a word, and says so in the log when there is no such word.
@@ -38,15 +38,16 @@ std::optional<QString> take(QString& text, const char* word) {
     return front;
 }
 
+} // namespace
+
 /// The number in parentheses behind the first "Space:", whatever stands in front of that.
-unsigned long long parse(QString answer) {
-    if (!take(answer, "Space:") || !take(answer, "("))
+unsigned long long Korvex::DiskUtility::freeSpaceIn(const QByteArray& answer) {
+    QString text = QString::fromLatin1(answer.constData()); // not its size: up to the first NUL
+    if (!::take(text, "Space:") || !::take(text, "("))
         return 0;
-    const auto number = take(answer, "Bytes"); // "bytes" is not taken, unlike for the limits
+    const auto number = ::take(text, "Bytes"); // "bytes" is not taken, unlike for the limits
     return number ? static_cast<unsigned long long>(number->trimmed().toLongLong()) : 0;
 }
-
-} // namespace
 
 int getVolumeFreeSpaceFromInfo(const QString& volume, unsigned long long& freeSpace) {
     freeSpace = 0;
@@ -60,7 +61,7 @@ int getVolumeFreeSpaceFromInfo(const QString& volume, unsigned long long& freeSp
         IOLog("%ssysmem([%s]) failed; status %d.", shown.toLatin1().constData(), prefix, status);
         return status;
     }
-    if (const std::optional<QString> answer = readAnswer())
-        freeSpace = parse(*answer);
+    if (const std::optional<QByteArray> answer = readAnswer())
+        freeSpace = Korvex::DiskUtility::freeSpaceIn(*answer);
     return 0;
 }

@@ -4,12 +4,10 @@
 #include "platform/descriptor.h"
 #include "text.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
-#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -58,14 +56,6 @@ int endOf(pid_t process) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : signalBase + WTERMSIG(status);
 }
 
-/// Takes the line away with which some programs tell their version.
-void removeBanner(std::string& output, const std::string& name) {
-    constexpr std::string_view digits = "0123456789";
-    if (output.starts_with(name + ' ') &&
-        output.find_first_of(digits, name.size()) == name.size() + 1)
-        output.erase(0, std::min(output.find('\n'), output.size() - 1) + 1);
-}
-
 } // namespace
 
 ChildResult runProgram(const std::vector<std::string>& words) {
@@ -86,26 +76,11 @@ ChildResult runProgram(const std::vector<std::string>& words) {
         become(path, arguments, writing.get());
     writing.reset();
     ChildResult result;
-    result.output = readToEnd(reading.get());
-    removeBanner(result.output, words.front());
+    result.output = withoutBanner(readToEnd(reading.get()), words.front());
     result.status = endOf(process);
     if (result.status == notStarted)
         throw Failure(words.front() + " could not be run; is the package e2fsprogs installed?");
     return result;
-}
-
-std::string complaintOf(const ChildResult& result) {
-    std::string text;
-    for (const char character : result.output) {
-        if (character != '\n')
-            text += character;
-        else if (!text.empty() && text.back() != ' ')
-            text += ' ';
-    }
-    text = printable(text);
-    while (!text.empty() && text.back() == ' ')
-        text.pop_back();
-    return text.empty() ? "exit code " + std::to_string(result.status) : text;
 }
 
 } // namespace DiskUtil

@@ -17,6 +17,11 @@ struct ChildResult {
 /// \param words Its name and its arguments.
 ChildResult runProgram(const std::vector<std::string>& words);
 
+/// What a program wrote, without the first line if that is the one with which some tell their
+/// version.
+/// \param name The program's.
+std::string withoutBanner(std::string output, const std::string& name);
+
 /// What a program complains about, as one line.
 std::string complaintOf(const ChildResult& result);
 
