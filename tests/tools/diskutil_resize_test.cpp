@@ -175,6 +175,7 @@ TEST_F(DiskUtilResize, WhatTheDiskDoesNotLeaveRoomForIsRefused) {
     prepare();
     expectRefusal(bytes(79 * mebibyte + 512), "has room for at most");
     expectRefusal("9T", "has room for at most");
+    expectRefusal("9223372036854775807B", "has room for at most"); // the largest size there is
 }
 
 TEST_F(DiskUtilResize, ASliceThatOnlyTheKernelKnowsIsNotTouched) {

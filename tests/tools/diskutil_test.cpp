@@ -271,6 +271,8 @@ TEST_F(DiskUtil, AWrongCommandLineIsTold) {
         {"resizeVolume", "Data One", "1MBx"},
         {"resizeVolume", "Data One", "0x10B"},
         {"resizeVolume", "Data One", "99999999999T"},
+        {"resizeVolume", "Data One", "9223372036854775808B"},
+        {"resizeVolume", "Data One", "9223372036854775.9k"},
     };
     for (const auto& words : wrong) {
         const ProgramResult shown = runUtility(words);

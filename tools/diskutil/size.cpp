@@ -63,10 +63,13 @@ unsigned long long parseSize(const std::string& text) {
         rest = parsed.ptr;
     }
     const unsigned long long factor = factorOf({rest, static_cast<std::size_t>(end - rest)});
-    if (error != std::errc() || factor == 0 || whole > largest / factor - 1)
+    if (error != std::errc() || factor == 0)
         throw badSize(text);
-    const double more = std::floor(fraction * static_cast<double>(factor));
-    return whole * factor + static_cast<unsigned long long>(more);
+    const auto more =
+        static_cast<unsigned long long>(std::floor(fraction * static_cast<double>(factor)));
+    if (whole > (largest - more) / factor)
+        throw badSize(text);
+    return whole * factor + more;
 }
 
 } // namespace DiskUtil
