@@ -1,21 +1,17 @@
 // Keychain files from anywhere: whatever the bytes are, reading ends; what was read is what would
 // be written again.
 
+#include "common/require.h"
 #include "platform/keychain/document.h"
 #include "platform/keychain/hexadecimal.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 using Korvex::KeychainDocument;
+using KxFuzz::require;
 
 namespace {
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 /// The line that a file must end with, or nothing behind it is ever looked at.
 std::string withDigest(std::string_view text) {
