@@ -160,6 +160,13 @@ TEST_F(KxReg, IniFilesMayBeUtf16OrLatin1) {
     EXPECT_EQ(output({"export-ini", "other.ini"}), "[S]\nk=\xC3\xA9\n");
 }
 
+TEST_F(KxReg, AMarkOfByteOrderThatBeginsANameIsKept) {
+    output({"set", "HKLM/marked.ini", "\xEF\xBB\xBFname", "value"});
+    std::ofstream("copy.ini", std::ios::binary) << output({"export-ini", "marked.ini"});
+    output({"import-ini", "copy.ini"});
+    EXPECT_EQ(output({"get", "HKLM/copy.ini", "\xEF\xBB\xBFname"}), "sz      \"value\"\n");
+}
+
 TEST_F(KxReg, WhatNoIniFileCanHoldIsRefused) {
     output({"set", "HKLM/a.ini/S", "v", "two\nlines"});
     fails({"export-ini", "a.ini"}, 1, "an INI file cannot hold v");
@@ -169,6 +176,10 @@ TEST_F(KxReg, WhatNoIniFileCanHoldIsRefused) {
     fails({"export-ini", "c.ini"}, 1, "the section S has keys in it");
     output({"set", "HKLM/d.ini/S", "a=b", "1"});
     fails({"export-ini", "d.ini"}, 1, "an INI file cannot hold a=b");
+    std::ofstream("half.ini", std::ios::binary)
+        << std::string("\xFF\xFE[\0S\0]\0\n\0k\0=\0x\0\x00\xDC", 18);
+    output({"import-ini", "half.ini"});
+    fails({"export-ini", "half.ini"}, 1, "an INI file cannot hold k");
     std::ofstream("bad.ini") << "[S]\nnonsense\n";
     fails({"import-ini", "bad.ini"}, 1, "line 2 is neither a section nor a value");
 }

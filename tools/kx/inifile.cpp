@@ -46,13 +46,14 @@ void addValue(IniSection& section, const QString& name, const QString& value) {
     throw Failure("an INI file cannot hold " + printable(name.toStdString()));
 }
 
-bool isOneLine(const QString& text) {
+/// Whether a text can stand in a line of UTF-8. Stored texts may have half a character.
+bool fitsInLine(const QString& text) {
     return !text.contains(QLatin1Char('\n')) && !text.contains(QLatin1Char('\r')) &&
-           !text.contains(QChar(0));
+           !text.contains(QChar(0)) && text.isValidUtf16();
 }
 
 QString checkedName(const QString& name) {
-    if (name.isEmpty() || name != name.trimmed() || !isOneLine(name) ||
+    if (name.isEmpty() || name != name.trimmed() || !fitsInLine(name) ||
         name.contains(QLatin1Char('=')) || name.startsWith(QLatin1Char(';')) ||
         name.startsWith(QLatin1Char('[')))
         cannotHold(name);
@@ -60,7 +61,7 @@ QString checkedName(const QString& name) {
 }
 
 QString checkedValue(const QString& name, const QString& value) {
-    if (!isOneLine(value))
+    if (!fitsInLine(value))
         cannotHold(name);
     return value != value.trimmed() || isQuoted(value) ? '"' + value + '"' : value;
 }
@@ -93,7 +94,7 @@ QString iniText(const std::vector<IniSection>& sections) {
     QString text;
     for (const IniSection& section : sections) {
         if (!section.name.isEmpty()) {
-            if (section.name != section.name.trimmed() || !isOneLine(section.name) ||
+            if (section.name != section.name.trimmed() || !fitsInLine(section.name) ||
                 section.name.contains(QLatin1Char(']')))
                 cannotHold(section.name);
             text += (text.isEmpty() ? "[" : "\n[") + section.name + "]\n";
@@ -101,7 +102,9 @@ QString iniText(const std::vector<IniSection>& sections) {
         for (const auto& [name, value] : section.values)
             text += checkedName(name) + '=' + checkedValue(name, value) + '\n';
     }
-    return text;
+    // Whoever reads it drops the first mark of byte order.
+    const QChar mark(QChar::ByteOrderMark);
+    return text.startsWith(mark) ? mark + text : text;
 }
 
 } // namespace Kx
