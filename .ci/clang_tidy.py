@@ -2,7 +2,8 @@
 """Runs clang-tidy over every source that a build compiles: clang_tidy.py BUILD
 
 What was found clean before is not looked at again while the text that its compiler sees, the
-command and the configuration are the same.
+command and the configuration are the same. That is noted beside the compiler's cache if there is
+one, for other checkouts too.
 """
 
 import hashlib
@@ -36,7 +37,8 @@ def fingerprint(command, source):
     if result.returncode != 0:
         return None
     parts = [VERSION, configuration(source), command["command"].encode(), result.stdout]
-    return hashlib.sha256(b"\0".join(parts)).hexdigest()
+    # A checkout may stand anywhere.
+    return hashlib.sha256(b"\0".join(parts).replace(bytes(ROOT), b".")).hexdigest()
 
 
 def check(command):
@@ -55,8 +57,8 @@ def check(command):
 
 
 BUILD = Path(sys.argv[1]).resolve()
-STAMPS = BUILD / "clang-tidy"
-STAMPS.mkdir(exist_ok=True)
+STAMPS = Path(os.environ.get("CCACHE_DIR", BUILD)) / "clang-tidy"
+STAMPS.mkdir(parents=True, exist_ok=True)
 VERSION = subprocess.run(["clang-tidy", "--version"], check=True, capture_output=True).stdout
 
 commands = {command["file"]: command

@@ -47,12 +47,8 @@ int GetBSDProcessList(kinfo_proc** list, unsigned long* count) try {
     std::vector<ProcessEntry> processes;
     *list = nullptr;
     *count = 0;
-    try {
-        if (const int error = Korvex::processTable().read(processes))
-            return error;
-    } catch (const std::bad_alloc&) {
-        return Korvex::Error::NoMemory;
-    }
+    if (const int error = Korvex::processTable().read(processes))
+        return error;
     *list = new (std::nothrow) kinfo_proc[processes.size()];
     if (!*list)
         return Korvex::Error::NoMemory;

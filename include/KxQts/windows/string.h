@@ -47,23 +47,9 @@ static inline char* _strlwr(char* text) {
 }
 #endif
 
-#ifndef memcpy_s
-/// Copies bytes. \return 0; 22 for a null pointer, 34 when they do not fit: nothing is written
-/// then.
-static inline errno_t memcpy_s(void* dst, size_t size, const void* src, size_t count) {
-    if (count == 0)
-        return 0;
-    if (!dst || !src)
-        return EINVAL;
-    if (count > size)
-        return ERANGE;
-    memcpy(dst, src, count);
-    return 0;
-}
-#endif
-
 #ifndef memmove_s
-/// As \ref memcpy_s, for memory that overlaps.
+/// Copies bytes within or between pieces of memory. \return 0; 22 for a null pointer, 34 when they
+/// do not fit: nothing is written then.
 static inline errno_t memmove_s(void* dst, size_t size, const void* src, size_t count) {
     if (count == 0)
         return 0;
@@ -73,5 +59,12 @@ static inline errno_t memmove_s(void* dst, size_t size, const void* src, size_t 
         return ERANGE;
     memmove(dst, src, count);
     return 0;
+}
+#endif
+
+#ifndef memcpy_s
+/// As \ref memmove_s: memory that overlaps does no harm.
+static inline errno_t memcpy_s(void* dst, size_t size, const void* src, size_t count) {
+    return memmove_s(dst, size, src, count);
 }
 #endif
