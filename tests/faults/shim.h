@@ -15,5 +15,15 @@ void* kx_following(const char* name);
 int kx_is_armed_here(void);
 void kx_note_origin(void);
 
+/** How many places in the code are told of where an allocation came from. */
+enum { KX_ORIGIN_DEPTH = 16 };
+
+/** Whether an allocation is to fail. \param origin Receives whence it came when it is counted. */
+int kx_allocation_fails(void** origin, int* counted);
+
+/** Remembers a block of a counted allocation until it is forgotten. \return The block. */
+void* kx_noted(void* block, void** origin, int counted);
+void kx_forget(void* address);
+
 void kx_exempt(const char* part_of_name);
 size_t kx_blocks(void** origins, size_t room, int forget);

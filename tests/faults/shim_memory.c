@@ -1,21 +1,15 @@
-/* Allocations: they are let fail, and those of armed calls are remembered until they are freed. */
+/* Which allocations fail, and what those of armed calls have left: blocks are remembered until they
+ * are freed. */
 #define _GNU_SOURCE
 #include "shim.h"
 
 #include <dlfcn.h>
-#include <errno.h>
 #include <execinfo.h>
 #include <pthread.h>
 #include <stdint.h>
 #include <string.h>
 
-void* __libc_malloc(size_t size);
-void* __libc_calloc(size_t count, size_t size);
-void* __libc_realloc(void* block, size_t size);
-void* __libc_memalign(size_t alignment, size_t size);
-void __libc_free(void* block);
-
-enum { places = 1 << 16, depth = 16, skipped = 2, longest_list = 8 };
+enum { places = 1 << 16, depth = KX_ORIGIN_DEPTH, skipped = 2, longest_list = 8 };
 
 /* A table of the blocks that are remembered, with open addressing. */
 struct Block {
@@ -72,7 +66,7 @@ static void empty(size_t place) {
     }
 }
 
-static void forget(void* address) {
+void kx_forget(void* address) {
     if (!address || __atomic_load_n(&remembered, __ATOMIC_RELAXED) == 0)
         return;
     pthread_mutex_lock(&blocks_lock);
@@ -138,8 +132,7 @@ static int is_exempted(void** origin, int count) {
     return 0;
 }
 
-/* Whether an allocation is to fail. \param origin Receives whence it came when it is counted. */
-static int fails(void** origin, int* counted) {
+int kx_allocation_fails(void** origin, int* counted) {
     *counted = !is_inside && kx_is_armed_here();
     if (!*counted)
         return 0;
@@ -152,59 +145,8 @@ static int fails(void** origin, int* counted) {
     return !is_passed_over && kx_fails(KX_FAULT_MEMORY);
 }
 
-static void* noted(void* block, void** origin, int counted) {
+void* kx_noted(void* block, void** origin, int counted) {
     if (block && counted)
         remember(block, origin);
     return block;
 }
-
-#ifndef KXQTS_FOREIGN_ALLOCATOR
-
-__attribute__((visibility("default"))) void* malloc(size_t size) {
-    void* origin[depth];
-    int counted;
-    return fails(origin, &counted) ? NULL : noted(__libc_malloc(size), origin, counted);
-}
-
-__attribute__((visibility("default"))) void* calloc(size_t count, size_t size) {
-    void* origin[depth];
-    int counted;
-    return fails(origin, &counted) ? NULL : noted(__libc_calloc(count, size), origin, counted);
-}
-
-__attribute__((visibility("default"))) void* realloc(void* block, size_t size) {
-    void* origin[depth];
-    int counted;
-    if (fails(origin, &counted))
-        return NULL;
-    void* larger = __libc_realloc(block, size);
-    if (larger || size == 0)
-        forget(block);
-    return noted(larger, origin, counted);
-}
-
-__attribute__((visibility("default"))) void* aligned_alloc(size_t alignment, size_t size) {
-    void* origin[depth];
-    int counted;
-    return fails(origin, &counted) ? NULL
-                                   : noted(__libc_memalign(alignment, size), origin, counted);
-}
-
-__attribute__((visibility("default"))) void* memalign(size_t alignment, size_t size) {
-    return aligned_alloc(alignment, size);
-}
-
-__attribute__((visibility("default"))) int posix_memalign(void** block, size_t alignment,
-                                                          size_t size) {
-    void* made = aligned_alloc(alignment, size);
-    if (made)
-        *block = made;
-    return made ? 0 : ENOMEM;
-}
-
-__attribute__((visibility("default"))) void free(void* block) {
-    forget(block);
-    __libc_free(block);
-}
-
-#endif
