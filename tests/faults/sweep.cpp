@@ -182,7 +182,9 @@ void sweep(const std::vector<Fault>& faults, const Scenario& scenario) {
         if (testing::Test::HasFailure())
             return;
     }
-    EXPECT_GT(injections, 0U) << "nothing was let fail";
+    // Some scenarios know no other fault than want of memory, which a sanitizer does not have.
+    if (!memoryFaults().empty())
+        EXPECT_GT(injections, 0U) << "nothing was let fail";
     testing::Test::RecordProperty("injections", std::to_string(injections));
 }
 
