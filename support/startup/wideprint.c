@@ -6,7 +6,6 @@
 #include <KxQts/windows/kxwideformat.h>
 
 #include <errno.h>
-#include <limits.h>
 #include <stdlib.h>
 
 int kx_vswprintf(wchar_t* dst, size_t size, const wchar_t* format, va_list arguments) {
@@ -22,25 +21,34 @@ int kx_vswprintf(wchar_t* dst, size_t size, const wchar_t* format, va_list argum
     return length;
 }
 
-int kx_vswprintf_unbounded(wchar_t* dst, const wchar_t* format, va_list arguments) {
+// The text that a format makes, to be freed; null with errno set on failure.
+static wchar_t* formatted(const wchar_t* format, va_list arguments, size_t* length) {
     wchar_t* const cFormat = kxmain_toCFormat(format);
-    const int length = cFormat ? vswprintf(dst, INT_MAX, cFormat, arguments) : -1;
+    wchar_t* text = NULL;
+    FILE* const memory = cFormat ? open_wmemstream(&text, length) : NULL;
+    const int result = memory ? vfwprintf(memory, cFormat, arguments) : -1;
     free(cFormat);
-    return length;
+    if (memory && fclose(memory) == 0 && result >= 0)
+        return text;
+    free(text);
+    return NULL;
+}
+
+int kx_vswprintf_unbounded(wchar_t* dst, const wchar_t* format, va_list arguments) {
+    size_t length = 0;
+    wchar_t* const text = formatted(format, arguments, &length);
+    if (!text)
+        return -1;
+    wmemcpy(dst, text, length + 1);
+    free(text);
+    return (int)length;
 }
 
 int kx_vfwprintf(FILE* stream, const wchar_t* format, va_list arguments) {
-    wchar_t* const cFormat = kxmain_toCFormat(format);
-    wchar_t* text = NULL;
     size_t length = 0;
-    FILE* const memory = cFormat ? open_wmemstream(&text, &length) : NULL;
-    int result = memory ? vfwprintf(memory, cFormat, arguments) : -1;
-    if (memory && fclose(memory) != 0)
-        result = -1;
-    if (result >= 0 && !kxmain_write(text, length, stream))
-        result = -1;
+    wchar_t* const text = formatted(format, arguments, &length);
+    const int result = text && kxmain_write(text, length, stream) ? (int)length : -1;
     free(text);
-    free(cFormat);
     return result;
 }
 

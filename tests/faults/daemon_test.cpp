@@ -16,7 +16,6 @@
 #include <unistd.h>
 
 using namespace KxTest;
-namespace Error = Korvex::Error;
 
 namespace {
 

@@ -104,8 +104,8 @@ protected:
         removeAll();
         const QString path = QStringLiteral("/Applications/None.app");
         bool found = false;
-        Korvex::WPrefs(nullptr, nullptr, true);
-        Korvex::WPrefs(nullptr, nullptr, false);
+        const Korvex::WPrefs ofMachine(nullptr, nullptr, true);
+        const Korvex::WPrefs ofUser(nullptr, nullptr, false);
         Korvex::checkAddRemoveLoginItem(path, path, found, Korvex::AutoLaunchedItemCheck, nullptr,
                                         0, nullptr, 0, true);
     }

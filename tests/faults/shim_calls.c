@@ -10,6 +10,8 @@ typedef long Size; /* as a signed count of bytes */
 typedef long ShortOffset;
 typedef long long LongOffset;
 
+/* Types and lists of parameters are no expressions. NOLINTBEGIN(bugprone-macro-parentheses) */
+
 /* A function that fails by giving a result and errno. */
 #define CALL(family, failure, result, name, parameters, arguments)                                 \
     __attribute__((visibility("default"))) result name parameters;                                 \
@@ -49,6 +51,8 @@ typedef long long LongOffset;
             return failure;                                                                        \
         return following arguments;                                                                \
     }
+
+/* NOLINTEND(bugprone-macro-parentheses) */
 
 /* A function whose result is the error. */
 #define CALL_GIVING_ERROR(family, name, parameters, arguments)                                     \
