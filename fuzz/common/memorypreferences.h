@@ -5,10 +5,9 @@
 #include "platform/propertylist/document.h"
 #include "platform/replaceable.h"
 
-#include <QHash>
-
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 namespace KxFuzz {
 
@@ -37,7 +36,7 @@ public:
 
     [[nodiscard]] bool change(const Domain& domain, const Changer& changer) override {
         const std::shared_ptr<Document> document = open(domain);
-        files.remove(domain); // the next one starts with the bytes again
+        files.erase(domain); // the next one starts with the bytes again
         if (!document || !changer(*document))
             return false;
         Korvex::PropertyList::Bytes file;
@@ -61,7 +60,8 @@ public:
         std::shared_ptr<Document>& file = files[domain];
         if (file)
             return file;
-        const Korvex::PropertyList::Bytes read = bytes.value(domain, start);
+        const auto changed = bytes.find(domain);
+        const Korvex::PropertyList::Bytes& read = changed == bytes.end() ? start : changed->second;
         file = read.empty() ? std::make_shared<Document>(limits)
                             : std::shared_ptr<Document>(Document::read(read, limits));
         return file;
@@ -70,8 +70,11 @@ public:
 private:
     Korvex::PropertyList::Bytes start;
     Korvex::PropertyList::Limits limits;
-    QHash<Domain, Korvex::PropertyList::Bytes> bytes;
-    QHash<Domain, std::shared_ptr<Document>> files;
+    template <class Value>
+    using Table = std::unordered_map<Domain, Value, Korvex::PreferenceDomainHash>;
+
+    Table<Korvex::PropertyList::Bytes> bytes;
+    Table<std::shared_ptr<Document>> files;
     Korvex::Replacement<Korvex::Preferences> inForce{*this};
 };
 
