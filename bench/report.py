@@ -29,7 +29,7 @@ def programs(build, names):
 
 def run(name, program, repetitions, results):
     """Runs one program. Its own table goes to a file; a failed one is shown."""
-    ratios = results / f"{name}.json"
+    ratios = results.resolve() / f"{name}.json"  # a program may go to another folder
     ratios.unlink(missing_ok=True)
     command = [program, f"--ratios={ratios}", f"--benchmark_repetitions={repetitions}"]
     print(f"{name} ...", file=sys.stderr, flush=True)
